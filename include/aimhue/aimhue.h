@@ -1,0 +1,14 @@
+// aimhue: colour calibration targets for LED display screens.
+//
+// The umbrella header: it declares the whole public surface of the library.
+#ifndef AIMHUE_AIMHUE_H_
+#define AIMHUE_AIMHUE_H_
+
+#include <aimhue/api.h>
+#include <aimhue/export.h>
+#include <aimhue/plume_log.h>
+#include <aimhue/status.h>
+#include <aimhue/target.h>
+#include <aimhue/version.h>
+
+#endif  // AIMHUE_AIMHUE_H_

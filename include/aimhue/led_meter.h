@@ -1,0 +1,107 @@
+// LedMeter: one measured quantity (for example the CIE Y tristimulus value)
+// for every LED of a screen region, with per-LED state and position and
+// optional descriptions of the region, panel, layer and capture.
+#ifndef AIMHUE_LED_METER_H_
+#define AIMHUE_LED_METER_H_
+
+#include <aimhue/export.h>
+#include <aimhue/led_set.h>
+#include <aimhue/records.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+namespace aimhue {
+
+class Shot;
+
+// Bits of the `flags` argument of LedMeter::Check. Each bit asks for one
+// test; the tests run in a fixed order and the first failure decides.
+enum MeterCheck : uint32_t {
+  kCheckNotNull = 0x1,
+  kCheckChromaNotEmpty = 0x2,
+  kCheckChromaSizeSame = 0x4,
+  kCheckTypeValid = 0x10,
+  kCheckTypeSame = 0x20,
+  kCheckTypeDifferent = 0x40,
+  kCheckTypeIsY = 0x80,
+  kCheckColorValid = 0x100,
+  kCheckColorSame = 0x200,
+  kCheckColorDifferent = 0x400,
+  kCheckStateNotEmpty = 0x1000,
+  kCheckStateSizeSame = 0x2000,
+  kCheckPosNotEmpty = 0x4000,
+  kCheckPosSizeSame = 0x8000,
+  kCheckHasPartition = 0x10000,
+  kCheckHasLayer = 0x20000,
+  kCheckLayerValueSame = 0x40000,
+  kCheckLayerNormsSame = 0x80000,
+  // The checks of the chromaticity combination: present, chroma not empty,
+  // same chroma size, valid types, pairwise different types, same colour.
+  kCheckForCombine = 0x257,
+};
+
+class AIMHUE_EXPORT LedMeter {
+ public:
+  // Descriptive records, absent (null) until set or loaded.
+  std::unique_ptr<Partition> partition;
+  std::unique_ptr<Layer> layer;
+  std::unique_ptr<LedPanel> led_panel;
+  std::unique_ptr<Capture> capture;
+  uint32_t color = 0;  // colour code of the measured primary: 1, 2 or 4
+  uint32_t type = 0;   // CIE_X, CIE_Y or CIE_Z
+  cv::Mat state;       // 8-bit, one byte per LED; bit 0 marks a dead LED
+  cv::Mat pos;         // two-channel 32-bit float: (x, y) of each LED in the capture
+  cv::Mat chroma;      // 32-bit float: the measured value of each LED (rows x cols)
+  cv::Mat add_map;     // 8-bit capture cells still to be added (multi-capture)
+
+  LedMeter();
+  ~LedMeter();
+  LedMeter(LedMeter&&) noexcept;
+  LedMeter& operator=(LedMeter&&) noexcept;
+  LedMeter(const LedMeter&) = delete;             // CopyTo makes a deep copy
+  LedMeter& operator=(const LedMeter&) = delete;
+
+  // Releases the descriptive records and replaces the planes by empty
+  // matrices of their element types.
+  void Clear();
+
+  // Setters: copy the record, creating it on first use.
+  // SetPartition: 108 unless the rectangle lies inside a positive screen.
+  // SetLedPanel: 106 unless the panel width and height are both >= 1.
+  int SetPartition(const Partition& partition);
+  int SetLayer(const Layer& layer);
+  int SetLedPanel(const LedPanel& panel);
+  int SetCapture(const Capture& capture);
+
+  // Validation by a bit set of MeterCheck flags; returns 0 or the code of
+  // the first failing test (1, 9 or 12) after logging its message.
+  static int Check(uint32_t flags, const LedMeter* a);
+  static int Check(uint32_t flags, const LedMeter* a, const LedMeter* b);
+  static int Check(uint32_t flags, const LedMeter* a, const LedMeter* b, const LedMeter* c);
+
+  // The ".meter" file and buffer format.
+  int Save(const std::string& fullname) const;
+  int Load(const std::string& fullname);
+  int GetBufferSize(uint64_t* size) const;
+  int ToBuffer(char* buffer, uint64_t* size) const;
+  int FromBuffer(const char* buffer, uint64_t size);
+
+  // Building a meter from captures and working on it.
+  int CheckInput(const Shot* shot, const LedSet* pos_set, const LedSet* value_set);
+  int Add(const Shot* shot, const LedSet* pos_set, const LedSet* value_set);
+  int Align(const float* target_xyz, const int* in_point, const int* in_radius);
+  int FixDeadPoint();
+  int MergeChroma(const LedMeter& src, const cv::Mat& mask);
+  static int MeterMean(std::vector<std::string> fullnames, int count,
+                       const std::string& out_fullname);
+  int CopyTo(LedMeter& dst) const;
+};
+
+}  // namespace aimhue
+
+#endif  // AIMHUE_LED_METER_H_

@@ -1,0 +1,158 @@
+#include <aimhue/api.h>
+#include <aimhue/status.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "engine/aimhue.h"
+#include "support/log_capture.h"
+
+namespace aimhue {
+namespace {
+
+class HandleApi : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_EQ(AimhueCreateHandle(&handle_), kOk); }
+  void TearDown() override { AimhueDestroyHandle(handle_); }
+
+  std::array<float, 12> Targets() {
+    std::array<float, 12> targets;
+    targets.fill(-1.0f);
+    EXPECT_EQ(AimhueGet(handle_, targets.data(), nullptr), kOk);
+    return targets;
+  }
+  std::array<float, 4> Fractions() {
+    std::array<float, 12> targets;
+    std::array<float, 4> fractions;
+    EXPECT_EQ(AimhueGet(handle_, targets.data(), fractions.data()), kOk);
+    return fractions;
+  }
+
+  AimhueHandle handle_ = nullptr;
+};
+
+TEST(HandleLife, CreateRefusesNullAndGivesSeparateRecords) {
+  EXPECT_EQ(AimhueCreateHandle(nullptr), kNullInput);
+  AimhueHandle first = nullptr;
+  AimhueHandle second = nullptr;
+  ASSERT_EQ(AimhueCreateHandle(&first), kOk);
+  ASSERT_EQ(AimhueCreateHandle(&second), kOk);
+  EXPECT_NE(first, second);
+  EXPECT_EQ(AimhueSetNGThresh(first, 0.5f), kOk);
+  EXPECT_FLOAT_EQ(second->ngThresh, 0.08f);
+  AimhueDestroyHandle(first);
+  AimhueDestroyHandle(second);
+  AimhueDestroyHandle(nullptr);  // does nothing
+}
+
+TEST(HandleLife, EveryFunctionRefusesANullHandle) {
+  const float four[4] = {1, 1, 1, 1};
+  float twelve[12];
+  EXPECT_EQ(AimhueRelease(nullptr), kNullInput);
+  EXPECT_EQ(AimhueSetNGThresh(nullptr, 0.5f), kNullInput);
+  EXPECT_EQ(AimhueSetPercentEnd(nullptr, four), kNullInput);
+  EXPECT_EQ(AimhueSetPercentCalcChroma(nullptr, four), kNullInput);
+  EXPECT_EQ(AimhueGet(nullptr, twelve, nullptr), kNullInput);
+}
+
+TEST_F(HandleApi, FreshHandleHasDefaultsAndZeroedResults) {
+  EXPECT_EQ(Fractions(), (std::array<float, 4>{1, 1, 1, 1}));
+  EXPECT_EQ(Targets(), (std::array<float, 12>{}));
+  EXPECT_EQ(handle_->percentEnd, (std::array<float, 4>{1, 1, 1, 1}));
+  EXPECT_EQ(handle_->ngLimit, 0.8f);
+  EXPECT_EQ(handle_->ngThresh, 0.08f);
+  EXPECT_EQ(handle_->tuneMode, 0u);
+  EXPECT_EQ(handle_->whiteScale, 1.1f);
+  EXPECT_EQ(handle_->sigmaK, (std::array<float, 3>{4.0f, 4.3f, 4.0f}));
+  EXPECT_EQ(handle_->lineSlopeK, (std::array<float, 3>{2.3f, 0.8f, 0.5f}));
+  EXPECT_EQ(handle_->maxIter, 100);
+  EXPECT_EQ(handle_->percentTol, 0.005f);
+}
+
+TEST_F(HandleApi, NGThreshZeroIsNullInputAndRangeFailuresKeepTheOldValue) {
+  EXPECT_EQ(AimhueSetNGThresh(handle_, 0.0f), kNullInput);
+  EXPECT_EQ(AimhueSetNGThresh(handle_, -0.0f), kNullInput);
+  EXPECT_EQ(AimhueSetNGThresh(handle_, 1.0f), kOk);
+  EXPECT_EQ(handle_->ngThresh, 1.0f);
+  EXPECT_EQ(AimhueSetNGThresh(handle_, 1.0001f), kOutOfRange);
+  EXPECT_EQ(AimhueSetNGThresh(handle_, -0.5f), kOutOfRange);
+  EXPECT_EQ(handle_->ngThresh, 1.0f);
+  EXPECT_EQ(AimhueSetNGThresh(handle_, std::numeric_limits<float>::quiet_NaN()), kOk);
+  EXPECT_TRUE(std::isnan(handle_->ngThresh));
+}
+
+TEST_F(HandleApi, PercentEndTestsAllFourAndStoresNothingOnFailure) {
+  EXPECT_EQ(AimhueSetPercentEnd(handle_, nullptr), kNullInput);
+  const float good[4] = {0.9f, 0.8f, 0.7f, 0.6f};
+  EXPECT_EQ(AimhueSetPercentEnd(handle_, good), kOk);
+  const float zeroAll[4] = {0.5f, 0.5f, 0.5f, 0.0f};
+  EXPECT_EQ(AimhueSetPercentEnd(handle_, zeroAll), kOutOfRange);
+  const float overBlue[4] = {0.5f, 0.5f, 1.5f, 0.5f};
+  EXPECT_EQ(AimhueSetPercentEnd(handle_, overBlue), kOutOfRange);
+  EXPECT_EQ(handle_->percentEnd, (std::array<float, 4>{0.9f, 0.8f, 0.7f, 0.6f}));
+  const float withNaN[4] = {1, std::numeric_limits<float>::quiet_NaN(), 1, 1};
+  EXPECT_EQ(AimhueSetPercentEnd(handle_, withNaN), kOk);
+  EXPECT_TRUE(std::isnan(handle_->percentEnd[1]));
+}
+
+TEST_F(HandleApi, PercentCalcChromaInterpolatesAndHidesRangeFailures) {
+  handle_->searchStart[0] = {12.5f, 0.60f, 0.30f};
+  handle_->searchEnd[0] = {99.0f, 0.70f, 0.29f};
+  handle_->searchStart[1] = {20.0f, 0.25f, 0.70f};
+  handle_->searchEnd[1] = {99.0f, 0.25f, 0.70f};  // identical point: kept as it is
+  handle_->searchStart[2] = {3.0f, 0.15f, 0.06f};
+  handle_->searchEnd[2] = {99.0f, 0.14f, 0.06f};  // one equal coordinate
+  aimhue::testing::LogCapture log;
+  const float half[4] = {0.5f, 0.5f, 0.5f, 1.0f};
+  EXPECT_EQ(AimhueSetPercentCalcChroma(handle_, half), kOk);
+  EXPECT_EQ(log.Infos(), std::vector<std::string>{"Aimhue::SetPercentCalcChroma"});
+  const auto targets = Targets();
+  EXPECT_EQ(targets[0], 12.5f);
+  EXPECT_EQ(targets[1], (0.70f - 0.60f) * 0.5f + 0.60f);
+  EXPECT_EQ(targets[2], (0.29f - 0.30f) * 0.5f + 0.30f);
+  EXPECT_NEAR(targets[1], 0.65f, 1e-6f);
+  EXPECT_NEAR(targets[2], 0.295f, 1e-6f);
+  EXPECT_EQ((std::array<float, 3>{targets[3], targets[4], targets[5]}),
+            (std::array<float, 3>{20.0f, 0.25f, 0.70f}));
+  EXPECT_EQ(targets[6], 3.0f);
+  EXPECT_EQ(targets[8], 0.06f);
+  EXPECT_EQ(targets[9], 0.0f);  // white untouched
+
+  const auto before = Targets();
+  const float badFourth[4] = {1, 1, 1, 1.5f};
+  const float zeroRed[4] = {0, 1, 1, 1};
+  EXPECT_EQ(AimhueSetPercentCalcChroma(handle_, badFourth), kOk);
+  EXPECT_EQ(AimhueSetPercentCalcChroma(handle_, zeroRed), kOk);
+  EXPECT_EQ(Targets(), before);
+  EXPECT_EQ(Fractions(), (std::array<float, 4>{0.5f, 0.5f, 0.5f, 1.0f}));
+  EXPECT_EQ(handle_->SetPercentCalcChroma({1, 1, 1, 1.5f}), kOutOfRange);
+  EXPECT_EQ(handle_->SetPercentCalcChroma({1e-7f, 1, 1, 1}), kOk);
+
+  EXPECT_EQ(AimhueSetPercentCalcChroma(handle_, nullptr), kNullInput);
+}
+
+TEST_F(HandleApi, ReleaseZeroesTargetsAndFractionsOnly) {
+  handle_->target[3] = {30.0f, 0.3127f, 0.329f};
+  handle_->searchEnd[1] = {1.0f, 0.2f, 0.7f};
+  ASSERT_EQ(AimhueSetNGThresh(handle_, 0.25f), kOk);
+  ASSERT_EQ(AimhueRelease(handle_), kOk);
+  float targets[12];
+  float fractions[4];
+  ASSERT_EQ(AimhueGet(handle_, targets, fractions), kOk);
+  for (float value : targets) EXPECT_EQ(value, 0.0f);
+  for (float value : fractions) EXPECT_EQ(value, 0.0f);
+  EXPECT_EQ(handle_->ngThresh, 0.25f);
+  EXPECT_EQ(handle_->searchEnd[1].y, 0.7f);
+  EXPECT_EQ(handle_->percentEnd[0], 1.0f);
+}
+
+TEST_F(HandleApi, GetCopiesOnlyWhatIsAskedFor) {
+  EXPECT_EQ(AimhueGet(handle_, nullptr, nullptr), kNullInput);
+  handle_->target[2].x = 0.15f;
+  EXPECT_EQ(Targets()[7], 0.15f);
+}
+
+}  // namespace
+}  // namespace aimhue

@@ -1,0 +1,90 @@
+#include <aimhue/plume_log.h>
+#include <aimhue/status.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "support/log_capture.h"
+
+namespace aimhue {
+namespace {
+
+using ::aimhue::testing::LogCapture;
+
+TEST(PlumeLog, HostSinkReceivesEachLevelFormattedWithoutPrefixOrLineEnd) {
+  LogCapture log;
+  PlumeLogDebug("    part.xywh              = [%d %d %d %d]", 1, 2, 3, 4);
+  PlumeLogInfo("Aimhue::Search");
+  PlumeLogError("LedMeter::Load -- Failed to Open file. fullname = %s", "a.meter");
+  EXPECT_EQ(log.Debugs(), std::vector<std::string>{"    part.xywh              = [1 2 3 4]"});
+  EXPECT_EQ(log.Infos(), std::vector<std::string>{"Aimhue::Search"});
+  EXPECT_EQ(log.Errors(),
+            std::vector<std::string>{"LedMeter::Load -- Failed to Open file. fullname = a.meter"});
+}
+
+TEST(PlumeLog, LongMessagesAndFileNamesArriveWhole) {
+  LogCapture log;
+  const std::string name(100000, 'n');
+  PlumeLogError("Aimhue::Load -- Failed to Open file. fullname = %s", name.c_str());
+  ASSERT_EQ(log.Errors().size(), 1u);
+  EXPECT_EQ(log.Errors()[0], "Aimhue::Load -- Failed to Open file. fullname = " + name);
+}
+
+TEST(PlumeLog, NullSinkRestoresStandardErrorWithLevelFilter) {
+  {
+    LogCapture log;
+    PlumeLogError("captured");
+  }
+  const int saved = PlumeLogGetLevel();
+  PlumeLogSetLevel(PLUME_LOG_INFO);
+  ::testing::internal::CaptureStderr();
+  PlumeLogDebug("hidden below the level");
+  PlumeLogInfo("Aimhue::CalcWhite");
+  PlumeLogError("shown %d", 7);
+  std::string printed = ::testing::internal::GetCapturedStderr();
+  PlumeLogSetLevel(PLUME_LOG_OFF);
+  ::testing::internal::CaptureStderr();
+  PlumeLogError("silenced");
+  std::string silenced = ::testing::internal::GetCapturedStderr();
+  PlumeLogSetLevel(saved);
+  EXPECT_EQ(printed, "[info] Aimhue::CalcWhite\n[error] shown 7\n");
+  EXPECT_EQ(silenced, "");
+}
+
+TEST(PlumeLog, LevelNamesAndEnvironment) {
+  int level = -1;
+  EXPECT_EQ(PlumeLogParseLevel("debug", &level), 1);
+  EXPECT_EQ(level, PLUME_LOG_DEBUG);
+  EXPECT_EQ(PlumeLogParseLevel("off", &level), 1);
+  EXPECT_EQ(level, PLUME_LOG_OFF);
+  EXPECT_EQ(PlumeLogParseLevel("verbose", &level), 0);
+  EXPECT_EQ(PlumeLogParseLevel(nullptr, &level), 0);
+  EXPECT_EQ(level, PLUME_LOG_OFF);
+
+  const int saved = PlumeLogGetLevel();
+  setenv("AIMHUE_LOG", "info", 1);
+  EXPECT_EQ(PlumeLogUseEnvironment(), 1);
+  EXPECT_EQ(PlumeLogGetLevel(), PLUME_LOG_INFO);
+  setenv("AIMHUE_LOG", "loud", 1);
+  EXPECT_EQ(PlumeLogUseEnvironment(), 0);
+  EXPECT_EQ(PlumeLogGetLevel(), PLUME_LOG_INFO);
+  unsetenv("AIMHUE_LOG");
+  EXPECT_EQ(PlumeLogUseEnvironment(), 1);
+  PlumeLogSetLevel(saved);
+}
+
+TEST(StatusText, DescribesEveryCodeOfTheTable) {
+  EXPECT_STREQ(StatusText(kOutOfRange),
+               "value out of range, count other than 3, or inputs that do not belong together");
+  EXPECT_STREQ(StatusText(kTuneNotConverged), "coverage tuning did not converge");
+  EXPECT_STREQ(StatusText(11), "unknown status");
+  for (int code : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 12, 13, 100, 101, 102, 103, 104, 105, 106, 108,
+                   109, 110, 111, 112, 400, 401, 403, 404, 405, 471, 550}) {
+    EXPECT_STRNE(StatusText(code), "unknown status") << code;
+  }
+}
+
+}  // namespace
+}  // namespace aimhue
