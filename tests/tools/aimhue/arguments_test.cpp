@@ -1,0 +1,75 @@
+#include "arguments.h"
+
+#include <gtest/gtest.h>
+
+namespace aimhue {
+namespace tool {
+namespace {
+
+TEST(ParseScreenSize, AcceptsWidthByHeight) {
+  const auto size = ParseScreenSize("1920x1080");
+  ASSERT_TRUE(size);
+  EXPECT_EQ(size->cols, 1920);
+  EXPECT_EQ(size->rows, 1080);
+  const auto upper = ParseScreenSize(" 64X48 ");
+  ASSERT_TRUE(upper);
+  EXPECT_EQ(upper->cols, 64);
+  EXPECT_EQ(upper->rows, 48);
+}
+
+TEST(ParseScreenSize, RejectsMalformedZeroAndHugeSizes) {
+  for (const char* text : {"", "1920", "x1080", "1920x", "0x10", "10x0", "-5x10", "10x10x10",
+                           "1.5x10", "10 x 10", "0x1e3", "99999999999x1", "100001x1000"}) {
+    EXPECT_FALSE(ParseScreenSize(text)) << text;
+  }
+  EXPECT_TRUE(ParseScreenSize("10000x10000"));  // exactly the largest screen
+}
+
+TEST(ParseFloatList, ReadsExactlyTheRequestedCount) {
+  const auto values = ParseFloatList("0.98, 0.98,0.97 ,0.95", 4);
+  ASSERT_TRUE(values);
+  EXPECT_EQ(*values, (std::vector<float>{0.98f, 0.98f, 0.97f, 0.95f}));
+  EXPECT_FALSE(ParseFloatList("0.98,0.98,0.97", 4));
+  EXPECT_FALSE(ParseFloatList("0.98,0.98,0.97,0.95,1", 4));
+  EXPECT_FALSE(ParseFloatList("0.98,,0.97,0.95", 4));
+}
+
+TEST(ParseFloat, RejectsNonFiniteAndTrailingText) {
+  EXPECT_EQ(ParseFloat("1e-3"), 0.001f);
+  EXPECT_EQ(ParseFloat("-0.5"), -0.5f);
+  for (const char* text : {"nan", "NaN", "inf", "-inf", "0x1p3", "1e39", "0.5abc", "", "0.5 0.5",
+                           "1,5"}) {
+    EXPECT_FALSE(ParseFloat(text)) << text;
+  }
+}
+
+TEST(ParseWhitePoint, KnowsNamedWhitesInAnyCase) {
+  const auto d65 = ParseWhitePoint("d65");
+  ASSERT_TRUE(d65);
+  EXPECT_EQ(d65->name, "D65");
+  EXPECT_EQ(d65->x, 0.3127f);
+  EXPECT_EQ(d65->y, 0.3290f);
+  const auto d50 = ParseWhitePoint("D50");
+  ASSERT_TRUE(d50);
+  EXPECT_EQ(d50->x, 0.3457f);
+  EXPECT_EQ(d50->y, 0.3585f);
+  for (const WhitePoint& white : NamedWhitePoints()) {
+    EXPECT_GT(white.x, 0.2f) << white.name;
+    EXPECT_LT(white.x + white.y, 1.0f) << white.name;
+  }
+}
+
+TEST(ParseWhitePoint, TakesAChromaticityInsideTheTriangleOfValidPoints) {
+  const auto white = ParseWhitePoint("0.30, 0.32");
+  ASSERT_TRUE(white);
+  EXPECT_EQ(white->x, 0.30f);
+  EXPECT_EQ(white->y, 0.32f);
+  for (const char* text : {"D66", "0.3", "0,0.3", "0.3,0", "0.6,0.4", "0.7,0.5", "-0.1,0.3",
+                           "nan,0.3"}) {
+    EXPECT_FALSE(ParseWhitePoint(text)) << text;
+  }
+}
+
+}  // namespace
+}  // namespace tool
+}  // namespace aimhue

@@ -1,0 +1,234 @@
+// Terminal and JSON reports.
+#include "report.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+
+namespace aimhue {
+namespace tool {
+namespace {
+
+const char* const kPrimaryNames[] = {"red", "green", "blue"};
+const char* const kTargetNames[] = {"red", "green", "blue", "white"};
+
+std::string Format(const char* format, ...) __attribute__((format(printf, 1, 2)));
+std::string Format(const char* format, ...) {
+  char line[512];
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(line, sizeof line, format, args);
+  va_end(args);
+  return line;
+}
+
+std::string Percent(float fraction) {
+  if (std::isnan(fraction)) return "n/a";
+  return Format("%.2f %%", static_cast<double>(fraction) * 100.0);
+}
+
+std::string Milliseconds(double seconds) { return Format("%.1f ms", seconds * 1000.0); }
+
+ReportJson FloatArray(const float* values, std::size_t count) {
+  ReportJson array = ReportJson::array();
+  for (std::size_t i = 0; i < count; ++i) array.push_back(values[i]);
+  return array;
+}
+
+ReportJson NamedFloats(const float* values, const char* const* names, std::size_t count) {
+  ReportJson object = ReportJson::object();
+  for (std::size_t i = 0; i < count; ++i) object[names[i]] = values[i];
+  return object;
+}
+
+ReportJson ScreenJson(const ScreenSize& screen) {
+  return ReportJson{{"cols", screen.cols}, {"rows", screen.rows},
+                    {"leds", static_cast<int64_t>(screen.cols) * screen.rows}};
+}
+
+void PrintScreen(std::ostream& out, const std::string& source, const ScreenSize& screen) {
+  out << "Measurement   " << source << "\n";
+  out << Format("Screen        %d x %d LEDs (%lld)\n", screen.cols, screen.rows,
+                static_cast<long long>(screen.cols) * screen.rows);
+}
+
+void PrintDead(std::ostream& out, const std::array<int64_t, 3>& found) {
+  out << Format("Dead LEDs     red %lld, green %lld, blue %lld (X = Y = Z = 0)\n",
+                static_cast<long long>(found[0]), static_cast<long long>(found[1]),
+                static_cast<long long>(found[2]));
+}
+
+void PrintCoverage(std::ostream& out, const Coverage& coverage) {
+  out << "Coverage      share of LEDs whose own gamut holds the target\n";
+  out << Format("  %-8s %10s\n  %-8s %10s\n  %-8s %10s\n  %-8s %10s\n", "red",
+                Percent(coverage.red).c_str(), "green", Percent(coverage.green).c_str(), "blue",
+                Percent(coverage.blue).c_str(), "all", Percent(coverage.all).c_str());
+}
+
+}  // namespace
+
+std::string FloatText(float value) {
+  if (std::isnan(value)) return "nan";
+  if (std::isinf(value)) return value > 0 ? "inf" : "-inf";
+  char text[32];
+  const auto result = std::to_chars(text, text + sizeof text, value);
+  return std::string(text, result.ptr);
+}
+
+int64_t LedsMissingTargets(const Coverage& coverage, int64_t leds) {
+  if (!std::isfinite(coverage.all)) return 0;
+  return static_cast<int64_t>(
+      std::llround((1.0 - static_cast<double>(coverage.all)) * static_cast<double>(leds)));
+}
+
+ReportJson TargetBlockJson(const TargetBlock& block) {
+  ReportJson object = ReportJson::object();
+  for (std::size_t i = 0; i < block.size(); ++i) {
+    object[kTargetNames[i]] = ReportJson{{"L", block[i].L}, {"x", block[i].x}, {"y", block[i].y}};
+  }
+  return object;
+}
+
+ReportJson CoverageJson(const Coverage& coverage) {
+  return ReportJson{{"red", coverage.red},
+                    {"green", coverage.green},
+                    {"blue", coverage.blue},
+                    {"all", coverage.all}};
+}
+
+void PrintTargetBlock(std::ostream& out, const char* title, const TargetBlock& block) {
+  out << Format("%-13s %14s %12s %12s\n", title, "L", "x", "y");
+  for (std::size_t i = 0; i < block.size(); ++i) {
+    out << Format("  %-11s %14s %12s %12s\n", kTargetNames[i], FloatText(block[i].L).c_str(),
+                  FloatText(block[i].x).c_str(), FloatText(block[i].y).c_str());
+  }
+}
+
+void PrintCalibrationReport(std::ostream& out, const CalibrationReport& report) {
+  PrintScreen(out, report.source, report.screen);
+  PrintDead(out, report.dead.found);
+  const int64_t found = report.dead.found[0] + report.dead.found[1] + report.dead.found[2];
+  const int64_t left =
+      report.dead.remaining[0] + report.dead.remaining[1] + report.dead.remaining[2];
+  if (found == 0) {
+    out << "              nothing to repair\n";
+  } else if (report.dead.repaired) {
+    out << Format("              marked in the state planes and replaced by the 3 x 3 median of"
+                  " their neighbours; %lld still dead after the repair\n",
+                  static_cast<long long>(left));
+  } else {
+    out << "              kept as measured (--keep-dead): they have no chromaticity and make the"
+           " search's means NaN\n";
+  }
+  out << Format("Settings      required coverage %s, %s, %s, %s; fractions %s, %s, %s, %s\n",
+                FloatText(report.percentEnd[0]).c_str(), FloatText(report.percentEnd[1]).c_str(),
+                FloatText(report.percentEnd[2]).c_str(), FloatText(report.percentEnd[3]).c_str(),
+                FloatText(report.fractions[0]).c_str(), FloatText(report.fractions[1]).c_str(),
+                FloatText(report.fractions[2]).c_str(), FloatText(report.fractions[3]).c_str());
+  out << Format("              white %s (%s, %s), scale %s, gains %s; NG threshold %s\n",
+                report.white.name.c_str(), FloatText(report.white.x).c_str(),
+                FloatText(report.white.y).c_str(), FloatText(report.scale).c_str(),
+                report.uncapped ? "uncapped" : "capped", FloatText(report.ngThresh).c_str());
+  out << "\n";
+  PrintTargetBlock(out, "Search start", report.searchStart);
+  out << "              (the primaries' mean chromaticities; white not set by the search)\n";
+  PrintTargetBlock(out, "Targets", report.targets);
+  out << Format("White gains   new L / rescaled L: red %s, green %s, blue %s\n",
+                FloatText(report.gains[0]).c_str(), FloatText(report.gains[1]).c_str(),
+                FloatText(report.gains[2]).c_str());
+  out << "\n";
+  PrintCoverage(out, report.coverage);
+  out << Format("NG limit      %s (coverage of all three minus the threshold); this measurement:"
+                " %s\n",
+                FloatText(report.ngLimit).c_str(), report.ng ? "NG" : "pass");
+  const int64_t leds = static_cast<int64_t>(report.screen.cols) * report.screen.rows;
+  out << Format("Outliers      not available: the search's outlier mask stays inside the library."
+                "\n              LEDs whose gamut misses a target: %lld of %lld\n",
+                static_cast<long long>(LedsMissingTargets(report.coverage, leds)),
+                static_cast<long long>(leds));
+  out << "\nTimings\n";
+  double total = 0.0;
+  for (const TimedStep& step : report.timings) {
+    out << Format("  %-26s %12s\n", step.name.c_str(), Milliseconds(step.seconds).c_str());
+    total += step.seconds;
+  }
+  out << Format("  %-26s %12s\n", "total", Milliseconds(total).c_str());
+  if (!report.outputs.empty()) {
+    out << "\nWrote\n";
+    for (const std::string& file : report.outputs) out << "  " << file << "\n";
+  }
+}
+
+ReportJson CalibrationReportJson(const CalibrationReport& report) {
+  ReportJson json;
+  json["source"] = report.source;
+  json["screen"] = ScreenJson(report.screen);
+  json["deadLeds"] = {
+      {"found", ReportJson::object()},
+      {"remaining", ReportJson::object()},
+      {"repaired", report.dead.repaired}};
+  for (std::size_t p = 0; p < 3; ++p) {
+    json["deadLeds"]["found"][kPrimaryNames[p]] = report.dead.found[p];
+    json["deadLeds"]["remaining"][kPrimaryNames[p]] = report.dead.remaining[p];
+  }
+  json["settings"] = {
+      {"percentEnd", FloatArray(report.percentEnd.data(), 4)},
+      {"fractions", FloatArray(report.fractions.data(), 4)},
+      {"white", {{"name", report.white.name}, {"x", report.white.x}, {"y", report.white.y}}},
+      {"scale", report.scale},
+      {"uncapped", report.uncapped},
+      {"ngThresh", report.ngThresh}};
+  json["searchStart"] = TargetBlockJson(report.searchStart);
+  json["searchEnd"] = TargetBlockJson(report.searchEnd);
+  json["targets"] = TargetBlockJson(report.targets);
+  json["gains"] = NamedFloats(report.gains.data(), kPrimaryNames, 3);
+  json["coverage"] = CoverageJson(report.coverage);
+  json["ngLimit"] = report.ngLimit;
+  json["ng"] = report.ng;
+  const int64_t leds = static_cast<int64_t>(report.screen.cols) * report.screen.rows;
+  json["outliers"] = {{"available", false},
+                      {"ledsMissingTargets", LedsMissingTargets(report.coverage, leds)}};
+  ReportJson timings = ReportJson::object();
+  for (const TimedStep& step : report.timings) {
+    timings[step.name] = static_cast<float>(step.seconds);
+  }
+  json["timingsSeconds"] = timings;
+  json["outputs"] = report.outputs;
+  return json;
+}
+
+void PrintCoverageReport(std::ostream& out, const CoverageReport& report) {
+  PrintScreen(out, report.source, report.screen);
+  PrintDead(out, report.deadLeds);
+  out << "Targets from  " << report.targetsFile << "\n";
+  if (!report.maskFile.empty()) out << "Mask          " << report.maskFile << "\n";
+  out << "\n";
+  PrintTargetBlock(out, "Targets", report.targets);
+  out << "\n";
+  PrintCoverage(out, report.coverage);
+  if (report.judged) {
+    out << Format("NG limit      %s\nVerdict       %s\n", FloatText(report.ngLimit).c_str(),
+                  report.ng ? "NG (coverage of all three below the limit)" : "pass");
+  }
+}
+
+ReportJson CoverageReportJson(const CoverageReport& report) {
+  ReportJson json;
+  json["source"] = report.source;
+  json["targetsFile"] = report.targetsFile;
+  if (!report.maskFile.empty()) json["maskFile"] = report.maskFile;
+  json["screen"] = ScreenJson(report.screen);
+  json["deadLeds"] = ReportJson::object();
+  for (std::size_t p = 0; p < 3; ++p) json["deadLeds"][kPrimaryNames[p]] = report.deadLeds[p];
+  json["targets"] = TargetBlockJson(report.targets);
+  json["coverage"] = CoverageJson(report.coverage);
+  if (report.judged) {
+    json["ngLimit"] = report.ngLimit;
+    json["ng"] = report.ng;
+  }
+  return json;
+}
+
+}  // namespace tool
+}  // namespace aimhue

@@ -1,0 +1,108 @@
+// The reports of the tool's commands, for people (a terminal layout) and for
+// programs (JSON).
+//
+// Every 32-bit float of a JSON report is written in its shortest decimal
+// form that reads back to the same float, so a program that parses the
+// report and rounds each number to 32 bits gets the library's values bit for
+// bit. A NaN (for example the coverage of a mask that counts no LED) is
+// written as null.
+#ifndef AIMHUE_TOOLS_REPORT_H_
+#define AIMHUE_TOOLS_REPORT_H_
+
+#include <aimhue/target.h>
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "arguments.h"
+
+namespace aimhue {
+namespace tool {
+
+// JSON whose numbers are 32-bit floats; its writer prints each float in the
+// shortest form that reads back to the same float.
+using ReportJson = nlohmann::basic_json<std::map, std::vector, std::string, bool, std::int64_t,
+                                        std::uint64_t, float>;
+
+// The shortest decimal text that reads back to exactly `value` as a 32-bit
+// float ("0.3127", "1", "1e-08"); "nan", "inf" or "-inf" for non-finite
+// values.
+std::string FloatText(float value);
+
+using TargetBlock = std::array<TargetLxy, 4>;  // red, green, blue, white
+
+// Dead LEDs (X, Y and Z all 0) per primary, red, green, blue.
+struct DeadLedSummary {
+  std::array<int64_t, 3> found{};     // before any repair
+  std::array<int64_t, 3> remaining{}; // after the repair (equal to found without one)
+  bool repaired = false;              // marked in the state planes and median-filtered
+};
+
+// One timed step of a command.
+struct TimedStep {
+  std::string name;
+  double seconds = 0.0;
+};
+
+// Everything the calibration (demo and calibrate) reports.
+struct CalibrationReport {
+  std::string source;            // what was measured: meter files or a synthetic screen
+  ScreenSize screen;             // LED columns and rows
+  DeadLedSummary dead;
+  std::array<float, 4> percentEnd{};   // required coverage red, green, blue, all
+  std::array<float, 4> fractions{};    // interpolation fractions red, green, blue, fourth
+  WhitePoint white;
+  float scale = 1.0f;
+  bool uncapped = false;
+  float ngThresh = 0.0f;
+  TargetBlock searchStart{};     // the primaries' mean chromaticities (search start)
+  TargetBlock searchEnd{};       // the search's final points
+  TargetBlock targets{};         // after fractions and white point
+  std::array<float, 3> gains{};  // new L / rescaled L, red, green, blue
+  Coverage coverage{};
+  float ngLimit = 0.0f;
+  bool ng = false;               // the NG verdict of this same measurement
+  std::vector<TimedStep> timings;
+  std::vector<std::string> outputs;  // files written
+};
+
+// Coverage of stored targets on one measurement, with or without an NG
+// verdict (judge and coverage).
+struct CoverageReport {
+  std::string source;
+  std::string targetsFile;
+  std::string maskFile;          // empty without a mask
+  ScreenSize screen;
+  std::array<int64_t, 3> deadLeds{};
+  TargetBlock targets{};
+  Coverage coverage{};
+  bool judged = false;           // ngLimit and ng are set
+  float ngLimit = 0.0f;
+  bool ng = false;
+};
+
+// Number of LEDs whose own gamut misses at least one target: the share
+// 1 - coverage.all of `leds`, rounded to the nearest count.
+int64_t LedsMissingTargets(const Coverage& coverage, int64_t leds);
+
+void PrintCalibrationReport(std::ostream& out, const CalibrationReport& report);
+ReportJson CalibrationReportJson(const CalibrationReport& report);
+
+void PrintCoverageReport(std::ostream& out, const CoverageReport& report);
+ReportJson CoverageReportJson(const CoverageReport& report);
+
+// Shared pieces, also used by `inspect`.
+ReportJson TargetBlockJson(const TargetBlock& block);
+ReportJson CoverageJson(const Coverage& coverage);
+void PrintTargetBlock(std::ostream& out, const char* title, const TargetBlock& block);
+
+}  // namespace tool
+}  // namespace aimhue
+
+#endif  // AIMHUE_TOOLS_REPORT_H_
