@@ -12,6 +12,7 @@
 #include <aimhue/target.h>
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <ostream>
@@ -49,6 +50,15 @@ struct TimedStep {
   std::string name;
   double seconds = 0.0;
 };
+
+// Runs `step` and appends its wall-clock time to `timings` under `name`.
+template <typename Step>
+void Timed(std::vector<TimedStep>& timings, const char* name, Step&& step) {
+  const auto start = std::chrono::steady_clock::now();
+  step();
+  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+  timings.push_back({name, elapsed.count()});
+}
 
 // Everything the calibration (demo and calibrate) reports.
 struct CalibrationReport {

@@ -1,0 +1,213 @@
+#!/usr/bin/env bash
+# Runs the installed aimhue tool as a user would: installs the build into a
+# scratch prefix, then demo, simulate -> calibrate -> judge -> coverage ->
+# inspect on the files it wrote, the JSON reports and the plot read back,
+# and the exit status and message of bad input.
+set -euo pipefail
+build_dir=$1
+work=$2
+python=/usr/bin/python3
+
+rm -rf "$work"
+mkdir -p "$work"
+cmake --install "$build_dir" --prefix "$work/prefix" >/dev/null
+aimhue="$work/prefix/bin/aimhue"
+[ -x "$aimhue" ] || { echo "not installed: bin/aimhue"; exit 1; }
+cd "$work"
+
+failures=0
+fail() {
+  echo "FAILED: $*"
+  failures=$((failures + 1))
+}
+
+# expect STATUS COMMAND...: runs the command, keeps its output in out.txt and
+# err.txt and checks its exit status.
+expect() {
+  local wanted=$1 status=0
+  shift
+  "$@" >out.txt 2>err.txt || status=$?
+  if [ "$status" -ne "$wanted" ]; then
+    fail "exit status $status instead of $wanted: $*"
+    sed 's/^/  | /' out.txt err.txt | tail -n 20
+  fi
+}
+
+# contains FILE TEXT: the file holds the text.
+contains() {
+  grep -qF -- "$2" "$1" || { fail "$1 lacks '$2'"; sed 's/^/  | /' "$1" | tail -n 10; }
+}
+
+meters() {  # the --red/--green/--blue options for the nine files of folder $1
+  local folder=$1 primary
+  for primary in red green blue; do
+    printf -- '--%s %s/%s_X.meter %s/%s_Y.meter %s/%s_Z.meter ' "$primary" "$folder" "$primary" \
+      "$folder" "$primary" "$folder" "$primary"
+  done
+}
+
+# --- help and usage ---------------------------------------------------------
+expect 0 "$aimhue" --help
+contains out.txt "Exit status"
+for command in demo simulate calibrate judge coverage inspect; do
+  expect 0 "$aimhue" "$command" --help
+  contains out.txt "Examples:"
+  contains out.txt "Exit status:"
+done
+expect 0 "$aimhue" calibrate --help
+contains out.txt "--percent-end"
+contains out.txt "1,1,1,1"      # defaults are shown
+expect 2 "$aimhue"
+expect 2 "$aimhue" frobnicate
+expect 2 "$aimhue" demo --size 0x10 --out demo
+contains err.txt "--size"
+expect 2 "$aimhue" demo --size 32x16 --white D66 --out demo
+contains err.txt "--white"
+expect 2 "$aimhue" demo --size 32x16 --scale 1.5 --out demo
+expect 2 "$aimhue" demo --size 32x16 --fraction 1,1,nan,1 --out demo
+
+# --- demo ---------------------------------------------------------------------
+expect 0 "$aimhue" demo --size 64x48 --seed 3 --out demo
+contains out.txt "Targets"
+contains out.txt "Dead LEDs"
+contains out.txt "NG limit"
+for file in result.aimhue report.json gamut.png; do
+  [ -s "demo/$file" ] || fail "demo did not write $file"
+done
+
+# The JSON report read back: the targets and the NG limit are the stored
+# 32-bit values bit for bit, the coverage is a fraction, the dead LEDs were
+# repaired, and the PNG has the plot's size.
+"$python" - demo/report.json demo/result.aimhue demo/gamut.png <<'PY' || fail "demo report check"
+import json, math, struct, sys
+report = json.load(open(sys.argv[1]))
+stored = open(sys.argv[2], "rb").read()
+assert len(stored) == 169 and stored[0:1] == b"L", "result file"
+floats = struct.unpack("<41f", stored[5:])
+as_bits = lambda v: struct.pack("<f", v)
+names = ["red", "green", "blue", "white"]
+for block, offset in (("targets", 5), ("searchEnd", 17), ("searchStart", 29)):
+    for i, name in enumerate(names):
+        for j, key in enumerate("Lxy"):
+            value = report[block][name][key]
+            if block != "targets" and (name == "white" or (block == "searchEnd" and key == "L")):
+                continue  # slots the search leaves without a result
+            assert as_bits(value) == as_bits(floats[offset + 3 * i + j]), (block, name, key)
+assert as_bits(report["ngLimit"]) == as_bits(floats[4]), "ngLimit"
+for key in ("red", "green", "blue", "all"):
+    assert 0.0 <= report["coverage"][key] <= 1.0, key
+for name in names:
+    for key in "Lxy":
+        assert math.isfinite(report["targets"][name][key]), (name, key)
+assert report["targets"]["white"]["x"] == 0.3127 and report["targets"]["white"]["y"] == 0.329
+assert report["deadLeds"]["repaired"] is True
+assert sum(report["deadLeds"]["found"].values()) > 0, "the demo screen has dead LEDs"
+assert sum(report["deadLeds"]["remaining"].values()) == 0
+assert report["ng"] is False
+assert report["screen"] == {"cols": 64, "rows": 48, "leds": 3072}
+png = open(sys.argv[3], "rb").read()
+assert png[:8] == b"\x89PNG\r\n\x1a\n", "PNG signature"
+assert struct.unpack(">II", png[16:24]) == (1640, 1000), "PNG size"
+PY
+
+# --- simulate -> calibrate -> judge -> coverage -> inspect -------------------
+expect 0 "$aimhue" simulate --size 48x32 --seed 5 --out meters
+for primary in red green blue; do
+  for component in X Y Z; do
+    [ -s "meters/${primary}_${component}.meter" ] || fail "simulate: ${primary}_${component}.meter"
+  done
+done
+# shellcheck disable=SC2046
+expect 0 "$aimhue" calibrate $(meters meters) -o screen.aimhue --json calibrate.json \
+  --plot plot.png --white 0.30,0.32 --fraction 0.8,0.8,0.8,1 --percent-end 0.99,0.99,0.99,1
+contains out.txt "pass"
+[ -s screen.aimhue ] && [ -s calibrate.json ] && [ -s plot.png ] || fail "calibrate outputs"
+# shellcheck disable=SC2046
+expect 0 "$aimhue" judge screen.aimhue $(meters meters) --json judge.json
+contains out.txt "pass"
+"$python" - calibrate.json judge.json <<'PY' || fail "judge report check"
+import json, sys
+calibrated, judged = (json.load(open(name)) for name in sys.argv[1:3])
+assert judged["ng"] is False
+assert judged["ngLimit"] == calibrated["ngLimit"]
+assert judged["targets"] == calibrated["targets"]
+assert calibrated["settings"]["white"]["x"] == 0.3
+PY
+
+# A screen with a third of its LEDs pulled away in one primary fails the
+# limit of the first screen.
+expect 0 "$aimhue" simulate --size 48x32 --seed 6 --outliers 600 --out bad-meters
+# shellcheck disable=SC2046
+expect 0 "$aimhue" calibrate $(meters meters) -o strict.aimhue --ng-thresh 0.01
+# shellcheck disable=SC2046
+expect 1 "$aimhue" judge strict.aimhue $(meters bad-meters)
+contains out.txt "NG"
+
+# A mask that keeps the left half of the screen, and one of the wrong size.
+"$python" - <<'PY'
+import struct, zlib
+def png(name, width, height, value_of):
+    raw = b"".join(b"\x00" + bytes(value_of(x) for x in range(width)) for _ in range(height))
+    chunk = lambda kind, data: (struct.pack(">I", len(data)) + kind + data
+                                + struct.pack(">I", zlib.crc32(kind + data)))
+    with open(name, "wb") as f:
+        f.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
+                + chunk(b"IDAT", zlib.compress(raw)) + chunk(b"IEND", b""))
+png("left.png", 48, 32, lambda x: 255 if x < 24 else 0)
+png("wrong.png", 40, 32, lambda x: 255)
+PY
+# shellcheck disable=SC2046
+expect 0 "$aimhue" coverage --targets screen.aimhue --mask left.png $(meters meters) --json left.json
+contains out.txt "Coverage"
+# shellcheck disable=SC2046
+expect 3 "$aimhue" coverage --targets screen.aimhue --mask wrong.png $(meters meters)
+contains err.txt "status 9"
+
+expect 0 "$aimhue" inspect screen.aimhue meters/red_X.meter
+contains out.txt "NG limit"
+contains out.txt "CIE_X"
+expect 0 "$aimhue" inspect --json screen.aimhue meters/green_Y.meter
+"$python" - out.txt calibrate.json <<'PY' || fail "inspect JSON check"
+import json, sys
+files = json.load(open(sys.argv[1]))
+calibrated = json.load(open(sys.argv[2]))
+results, meter = files
+assert results["kind"] == "aimhue" and results["ngLimit"] == calibrated["ngLimit"]
+assert results["targets"] == calibrated["targets"]
+assert meter["kind"] == "meter" and meter["typeName"] == "CIE_Y"
+assert meter["chroma"]["rows"] == 32 and meter["chroma"]["cols"] == 48
+assert meter["partition"]["screen_w"] == 48
+PY
+
+# --- bad and missing files -----------------------------------------------------
+printf 'B\001\000\000\000' >bad.meter
+expect 3 "$aimhue" inspect bad.meter meters/red_X.meter
+contains err.txt "bad.meter"
+contains err.txt "status 10"
+contains out.txt "red_X.meter"    # the good file after the bad one is still shown
+expect 3 "$aimhue" inspect missing.aimhue
+contains err.txt "status 2"
+expect 3 "$aimhue" inspect capture.shot
+contains err.txt "not supported yet"
+expect 2 "$aimhue" inspect notes.txt
+# shellcheck disable=SC2046
+expect 3 "$aimhue" calibrate $(meters meters | sed 's#meters/blue_Z#meters/none_Z#')
+contains err.txt "none_Z.meter"
+contains err.txt "status 2"
+# shellcheck disable=SC2046
+expect 3 "$aimhue" calibrate --red meters/red_X.meter meters/red_X.meter meters/red_Z.meter \
+  --green meters/green_X.meter meters/green_Y.meter meters/green_Z.meter \
+  --blue meters/blue_X.meter meters/blue_Y.meter meters/blue_Z.meter
+contains err.txt "status 9"
+# shellcheck disable=SC2046
+expect 4 "$aimhue" calibrate $(meters meters) -o result.txt
+contains err.txt "status 8"
+# shellcheck disable=SC2046
+expect 3 "$aimhue" judge bad.aimhue $(meters meters)
+expect 2 "$aimhue" judge screen.aimhue --red meters/red_X.meter
+
+if [ "$failures" -ne 0 ]; then
+  echo "$failures check(s) failed"
+  exit 1
+fi
+echo "all tool checks passed"

@@ -1,0 +1,190 @@
+// The calibration run and its settings.
+#include "calibration.h"
+
+#include <aimhue/api.h>
+#include <aimhue/status.h>
+
+#include "command_error.h"
+#include "engine_handle.h"
+
+namespace aimhue {
+namespace tool {
+namespace {
+
+// The library's range for fractions, thresholds and the scale: 0 < v <= 1.
+bool InUnitRange(float value) { return value > 0.0f && value <= 1.0f; }
+
+std::array<float, 4> ParseFractions(const std::string& text, const char* option) {
+  const auto values = ParseFloatList(text, 4);
+  if (!values) {
+    throw CommandError(kExitUsage, std::string(option) + ": expected four numbers separated by"
+                                                        " commas, got '" + text + "'");
+  }
+  std::array<float, 4> fractions{};
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (!InUnitRange((*values)[i])) {
+      throw CommandError(kExitUsage, std::string(option) + ": each value must lie in (0, 1], got '" +
+                                         text + "'");
+    }
+    fractions[i] = (*values)[i];
+  }
+  return fractions;
+}
+
+float ParseUnitValue(const std::string& text, const char* option) {
+  const auto value = ParseFloat(text);
+  if (!value || !InUnitRange(*value)) {
+    throw CommandError(kExitUsage,
+                       std::string(option) + ": expected a number in (0, 1], got '" + text + "'");
+  }
+  return *value;
+}
+
+}  // namespace
+
+void AddCalibrationOptions(CLI::App& command, CalibrationOptionText& text) {
+  command
+      .add_option("--percent-end", text.percentEnd,
+                  "Required coverage of the red, green and blue targets and of all three: the share"
+                  " of LEDs whose own gamut must hold each target. Four numbers in (0, 1] as"
+                  " r,g,b,all; the search reads the first three.")
+      ->capture_default_str()
+      ->type_name("R,G,B,ALL");
+  command
+      .add_option("--fraction", text.fractions,
+                  "Interpolation fractions r,g,b,w: each primary's target is placed this far from"
+                  " the LEDs' mean chromaticity (0) towards the search's final point (1). The fourth"
+                  " is stored in the result but not used. Each in (0, 1].")
+      ->capture_default_str()
+      ->type_name("R,G,B,W");
+  command
+      .add_option("--white", text.white,
+                  "Wanted white point: a name (D50, D55, D65, D75, D93, A, C, E, DCI) or a"
+                  " chromaticity x,y.")
+      ->capture_default_str()
+      ->type_name("NAME|X,Y");
+  command
+      .add_option("--scale", text.scale,
+                  "Factor in (0, 1] applied to the three primaries' luminances before the white"
+                  " point gains are solved.")
+      ->capture_default_str()
+      ->type_name("S");
+  command.add_flag("--uncapped", text.uncapped,
+                   "Do not cap the white point gains (by default the largest gain is limited to"
+                   " the engine's white scale, 1.1, and all three shrink by the same factor).");
+  command
+      .add_option("--ng-thresh", text.ngThresh,
+                  "NG threshold in (0, 1]: the allowed drop of the coverage of all three targets;"
+                  " the stored NG limit is that coverage minus this threshold.")
+      ->capture_default_str()
+      ->type_name("T");
+  command.add_flag("--keep-dead", text.keepDead,
+                   "Keep dead LEDs (X = Y = Z = 0) as measured. By default they are marked in the"
+                   " meters' state planes and replaced by the 3 x 3 median of their neighbours"
+                   " before the search, since their missing chromaticity would make every mean"
+                   " of the search NaN.");
+}
+
+CalibrationSettings ParseCalibrationSettings(const CalibrationOptionText& text) {
+  CalibrationSettings settings;
+  settings.percentEnd = ParseFractions(text.percentEnd, "--percent-end");
+  settings.fractions = ParseFractions(text.fractions, "--fraction");
+  const auto white = ParseWhitePoint(text.white);
+  if (!white) {
+    throw CommandError(kExitUsage, "--white: expected a named white (D65, ...) or x,y with x > 0,"
+                                   " y > 0 and x + y < 1, got '" + text.white + "'");
+  }
+  settings.white = *white;
+  settings.scale = ParseUnitValue(text.scale, "--scale");
+  settings.uncapped = text.uncapped;
+  settings.ngThresh = ParseUnitValue(text.ngThresh, "--ng-thresh");
+  settings.keepDead = text.keepDead;
+  return settings;
+}
+
+CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
+                            const std::string& result_file) {
+  CalibrationReport report;
+  report.screen = MeterScreen(meters);
+  report.percentEnd = settings.percentEnd;
+  report.fractions = settings.fractions;
+  report.white = settings.white;
+  report.scale = settings.scale;
+  report.uncapped = settings.uncapped;
+  report.ngThresh = settings.ngThresh;
+  std::vector<TimedStep>& timings = report.timings;
+
+  Timed(timings, "dead LEDs", [&] { report.dead = HandleDeadLeds(meters, !settings.keepDead); });
+
+  Handle handle = CreateHandle();
+  CheckStatus(AimhueSetNGThresh(handle.get(), settings.ngThresh), "--ng-thresh refused");
+  CheckStatus(AimhueSetPercentEnd(handle.get(), settings.percentEnd.data()),
+              "--percent-end refused");
+  const MeterTriple red = Triple(meters, 0);
+  const MeterTriple green = Triple(meters, 1);
+  const MeterTriple blue = Triple(meters, 2);
+
+  Timed(timings, "target search", [&] {
+    CheckStatus(AimhueSearch(handle.get(), red.get(), green.get(), blue.get(), 3),
+                "the target search refused the meters");
+  });
+  TargetBlock before_white{};
+  Timed(timings, "interpolation fractions", [&] {
+    CheckStatus(AimhueSetPercentCalcChroma(handle.get(), settings.fractions.data()),
+                "the interpolation fractions were refused");
+    before_white = GetTargets(handle.get());
+  });
+  Timed(timings, "white point", [&] {
+    const TargetLxy white{0.0f, settings.white.x, settings.white.y};
+    CheckStatus(AimhueCalcWhite(handle.get(), settings.scale, &white, settings.uncapped ? 1 : 0),
+                "the white point calculation failed");
+    report.targets = GetTargets(handle.get());
+  });
+  for (int p = 0; p < 3; ++p) {
+    // The engine rescales each luminance in 32 bits before it solves for
+    // the gains; the gain is the new luminance over that rescaled one.
+    const float rescaled = before_white[p].L * settings.scale;
+    report.gains[p] = report.targets[p].L / rescaled;
+  }
+  Timed(timings, "coverage", [&] {
+    float targets[12];
+    for (int i = 0; i < 4; ++i) {
+      targets[3 * i] = report.targets[i].L;
+      targets[3 * i + 1] = report.targets[i].x;
+      targets[3 * i + 2] = report.targets[i].y;
+    }
+    float coverage[4] = {};
+    CheckStatus(AimhueCalcPercentOfTarget(red.get(), green.get(), blue.get(), targets, coverage,
+                                          nullptr, 3),
+                "the coverage count failed");
+    report.coverage = Coverage{coverage[0], coverage[1], coverage[2], coverage[3]};
+  });
+  Timed(timings, "NG limit", [&] {
+    CheckStatus(AimhueCalcPercentNG(handle.get(), red.get(), green.get(), blue.get(), 3),
+                "the NG limit calculation failed");
+  });
+  Timed(timings, "NG judgement", [&] {
+    bool ng = true;
+    CheckStatus(AimhueJudgeNG(handle.get(), &ng, red.get(), green.get(), blue.get(), 3),
+                "the NG judgement failed");
+    report.ng = ng;
+  });
+  const EngineImage image = ReadEngineImage(handle.get());
+  report.searchStart = image.searchStart;
+  report.searchEnd = image.searchEnd;
+  report.ngLimit = image.ngLimit;
+  if (!result_file.empty()) {
+    Timed(timings, "save", [&] {
+      const int status = AimhueSave(handle.get(), result_file.c_str());
+      if (status != 0) {
+        throw CommandError(kExitOutput, "cannot save the results '" + result_file +
+                                            "': status " + std::to_string(status) + " (" +
+                                            StatusText(status) + ")");
+      }
+    });
+  }
+  return report;
+}
+
+}  // namespace tool
+}  // namespace aimhue

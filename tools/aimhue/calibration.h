@@ -1,0 +1,60 @@
+// The calibration run shared by `demo` and `calibrate`: the library's whole
+// calling order on one measurement, timed step by step.
+#ifndef AIMHUE_TOOLS_CALIBRATION_H_
+#define AIMHUE_TOOLS_CALIBRATION_H_
+
+#include <array>
+#include <string>
+
+#include <CLI/App.hpp>
+
+#include "arguments.h"
+#include "meter_set.h"
+#include "report.h"
+
+namespace aimhue {
+namespace tool {
+
+struct CalibrationSettings {
+  std::array<float, 4> percentEnd{1.0f, 1.0f, 1.0f, 1.0f};
+  std::array<float, 4> fractions{1.0f, 1.0f, 1.0f, 1.0f};
+  WhitePoint white{"D65", 0.3127f, 0.3290f};
+  float scale = 1.0f;
+  bool uncapped = false;
+  float ngThresh = 0.08f;
+  bool keepDead = false;
+};
+
+// The options of the settings as given on the command line, before parsing.
+struct CalibrationOptionText {
+  std::string percentEnd = "1,1,1,1";
+  std::string fractions = "1,1,1,1";
+  std::string white = "D65";
+  std::string scale = "1";
+  bool uncapped = false;
+  std::string ngThresh = "0.08";
+  bool keepDead = false;
+};
+
+// Adds --percent-end, --fraction, --white, --scale, --uncapped, --ng-thresh
+// and --keep-dead to `command`.
+void AddCalibrationOptions(CLI::App& command, CalibrationOptionText& text);
+
+// Parses and range-checks the options' values; CommandError (exit status 2)
+// names the first bad option. The ranges are the library's own, checked
+// here because the library ignores a bad fraction or scale without saying
+// so, and NaN is refused although the library would store it.
+CalibrationSettings ParseCalibrationSettings(const CalibrationOptionText& text);
+
+// Runs dead-LED handling, AimhueSearch, AimhueSetPercentCalcChroma,
+// AimhueCalcWhite, AimhueCalcPercentOfTarget, AimhueCalcPercentNG and
+// AimhueJudgeNG on `meters` and, when `result_file` is not empty, saves the
+// record with AimhueSave. Fills everything of the report but its source and
+// outputs. A library status other than 0 ends the command (CommandError).
+CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
+                            const std::string& result_file);
+
+}  // namespace tool
+}  // namespace aimhue
+
+#endif  // AIMHUE_TOOLS_CALIBRATION_H_

@@ -1,0 +1,168 @@
+// aimhue judge and aimhue coverage: stored targets against a measurement.
+#include <aimhue/api.h>
+
+#include <iostream>
+#include <memory>
+
+#include <opencv2/imgcodecs.hpp>
+
+#include "command_error.h"
+#include "commands.h"
+#include "engine_handle.h"
+#include "output_files.h"
+
+namespace aimhue {
+namespace tool {
+namespace {
+
+struct JudgeOptions {
+  std::string targets;  // the .aimhue file
+  std::string mask;     // coverage only
+  MeterFileOptions meters;
+  std::string json;
+};
+
+Coverage CountCoverage(const Meters& meters, const TargetBlock& block, const cv::Mat& mask) {
+  float targets[12];
+  for (int i = 0; i < 4; ++i) {
+    targets[3 * i] = block[i].L;
+    targets[3 * i + 1] = block[i].x;
+    targets[3 * i + 2] = block[i].y;
+  }
+  AimhueImage descriptor{};
+  const AimhueImage* mask_pointer = nullptr;
+  if (!mask.empty()) {
+    descriptor.rows = mask.rows;
+    descriptor.cols = mask.cols;
+    descriptor.type = mask.type();
+    descriptor.size = static_cast<uint32_t>(mask.total() * mask.elemSize());
+    descriptor.data = mask.data;
+    mask_pointer = &descriptor;
+  }
+  float coverage[4] = {};
+  const MeterTriple red = Triple(meters, 0);
+  const MeterTriple green = Triple(meters, 1);
+  const MeterTriple blue = Triple(meters, 2);
+  CheckStatus(AimhueCalcPercentOfTarget(red.get(), green.get(), blue.get(), targets, coverage,
+                                        mask_pointer, 3),
+              "the coverage count refused the meters or the mask");
+  return Coverage{coverage[0], coverage[1], coverage[2], coverage[3]};
+}
+
+cv::Mat ReadMask(const std::string& file) {
+  cv::Mat mask;
+  try {
+    mask = cv::imread(file, cv::IMREAD_UNCHANGED);
+  } catch (const cv::Exception&) {
+    mask = cv::Mat();
+  }
+  if (mask.empty()) throw CommandError(kExitLibrary, "cannot read the mask image '" + file + "'");
+  if (!mask.isContinuous()) mask = mask.clone();
+  return mask;
+}
+
+CoverageReport MeasureCoverage(const JudgeOptions& options, bool judge) {
+  const MeterFiles files = options.meters.ToMeterFiles();
+  const Handle handle = LoadHandle(options.targets);
+  const Meters meters = LoadMeters(files);
+  CoverageReport report;
+  report.source = DescribeMeterFiles(files);
+  report.targetsFile = options.targets;
+  report.maskFile = options.mask;
+  report.screen = MeterScreen(meters);
+  report.deadLeds = CountDeadLeds(meters);
+  report.targets = GetTargets(handle.get());
+  const cv::Mat mask = options.mask.empty() ? cv::Mat() : ReadMask(options.mask);
+  report.coverage = CountCoverage(meters, report.targets, mask);
+  if (judge) {
+    const MeterTriple red = Triple(meters, 0);
+    const MeterTriple green = Triple(meters, 1);
+    const MeterTriple blue = Triple(meters, 2);
+    bool ng = true;
+    CheckStatus(AimhueJudgeNG(handle.get(), &ng, red.get(), green.get(), blue.get(), 3),
+                "the NG judgement refused the meters");
+    report.judged = true;
+    report.ng = ng;
+    report.ngLimit = ReadEngineImage(handle.get()).ngLimit;
+  }
+  return report;
+}
+
+int RunCoverageOrJudge(const JudgeOptions& options, bool judge) {
+  const CoverageReport report = MeasureCoverage(options, judge);
+  if (!options.json.empty()) WriteJsonFile(options.json, CoverageReportJson(report));
+  PrintCoverageReport(std::cout, report);
+  return judge && report.ng ? kExitNg : kExitOk;
+}
+
+const char* const kEnvironment =
+    "Environment:\n"
+    "  AIMHUE_LOG=debug|info|error|off  what the library logs to standard error"
+    " (default error)";
+
+}  // namespace
+
+void AddJudgeCommand(CLI::App& app, int& exit_status) {
+  auto options = std::make_shared<JudgeOptions>();
+  CLI::App* command = app.add_subcommand(
+      "judge",
+      "Judge a measurement against stored results: pass or NG.\n\n"
+      "Loads the results of an earlier `calibrate` (targets and NG limit) and the nine meter"
+      " files of a new measurement, counts the share of LEDs whose own gamut holds each stored"
+      " target, and reports NG when the share holding all three lies below the stored NG limit."
+      " Dead LEDs are counted and reported but not repaired: they reach no target.");
+  command->add_option("result", options->targets, "The results file written by `calibrate`.")
+      ->required()
+      ->type_name("RESULT.aimhue");
+  AddMeterFileOptions(*command, options->meters);
+  command->add_option("--json", options->json, "Also write the verdict as JSON to this file.")
+      ->type_name("FILE");
+  command->footer(std::string("Examples:\n"
+                              "  aimhue judge screen.aimhue --red r_X.meter r_Y.meter r_Z.meter \\\n"
+                              "      --green g_X.meter g_Y.meter g_Z.meter --blue b_X.meter \\\n"
+                              "      b_Y.meter b_Z.meter && echo pass\n\n"
+                              "Exit status:\n"
+                              "  0  pass\n"
+                              "  1  NG: the coverage of all three targets is below the limit\n"
+                              "  2  a missing or bad option value\n"
+                              "  3  a file could not be loaded or the library refused it\n"
+                              "  4  the JSON report could not be written\n\n") +
+                  kEnvironment);
+  command->callback([options, &exit_status] { exit_status = RunCoverageOrJudge(*options, true); });
+}
+
+void AddCoverageCommand(CLI::App& app, int& exit_status) {
+  auto options = std::make_shared<JudgeOptions>();
+  CLI::App* command = app.add_subcommand(
+      "coverage",
+      "Count the coverage of stored targets on a measurement.\n\n"
+      "Loads the targets of an earlier `calibrate` and the nine meter files of a measurement and"
+      " reports, for the red, the green and the blue target and for all three at once, the"
+      " share of LEDs whose own red-green-blue gamut holds the target. A mask restricts the"
+      " count to a region.");
+  command->add_option("--targets", options->targets, "The results file written by `calibrate`.")
+      ->required()
+      ->type_name("RESULT.aimhue");
+  command->add_option("--mask", options->mask,
+                      "An 8-bit single-channel image (PNG, ...) of the screen's size in LEDs: 0"
+                      " leaves an LED out of the count, any other value counts it.")
+      ->type_name("MASK.png");
+  AddMeterFileOptions(*command, options->meters);
+  command->add_option("--json", options->json, "Also write the coverage as JSON to this file.")
+      ->type_name("FILE");
+  command->footer(std::string("Examples:\n"
+                              "  aimhue coverage --targets screen.aimhue --mask centre.png \\\n"
+                              "      --red r_X.meter r_Y.meter r_Z.meter --green g_X.meter \\\n"
+                              "      g_Y.meter g_Z.meter --blue b_X.meter b_Y.meter b_Z.meter\n\n"
+                              "Exit status:\n"
+                              "  0  counted\n"
+                              "  2  a missing or bad option value\n"
+                              "  3  a file could not be loaded or the library refused it (for\n"
+                              "     example a mask of another size: status 9)\n"
+                              "  4  the JSON report could not be written\n\n") +
+                  kEnvironment);
+  command->callback([options, &exit_status] { exit_status = RunCoverageOrJudge(*options, false); });
+}
+
+}  // namespace tool
+}  // namespace aimhue

@@ -1,0 +1,43 @@
+// Options and helpers shared by several commands.
+#include <filesystem>
+#include <system_error>
+
+#include "command_error.h"
+#include "commands.h"
+
+namespace aimhue {
+namespace tool {
+
+MeterFiles MeterFileOptions::ToMeterFiles() const {
+  MeterFiles names;
+  for (int p = 0; p < 3; ++p) {
+    for (int c = 0; c < 3; ++c) names[p][c] = files[p].at(c);
+  }
+  return names;
+}
+
+void AddMeterFileOptions(CLI::App& command, MeterFileOptions& options) {
+  const char* const names[3] = {"--red", "--green", "--blue"};
+  const char* const primaries[3] = {"red", "green", "blue"};
+  for (int p = 0; p < 3; ++p) {
+    command
+        .add_option(names[p], options.files[p],
+                    std::string("The ") + primaries[p] +
+                        " primary's CIE X, Y and Z meter files, in that order.")
+        ->expected(3)
+        ->required()
+        ->type_name("X.meter Y.meter Z.meter");
+  }
+}
+
+void MakeDirectory(const std::string& directory) {
+  std::error_code error;
+  std::filesystem::create_directories(directory, error);
+  if (error || !std::filesystem::is_directory(directory)) {
+    throw CommandError(kExitOutput, "cannot create the directory '" + directory + "'" +
+                                        (error ? ": " + error.message() : std::string()));
+  }
+}
+
+}  // namespace tool
+}  // namespace aimhue

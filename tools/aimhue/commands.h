@@ -1,0 +1,39 @@
+// The tool's commands. Each Add...Command registers one subcommand of `app`
+// with its options and help; when the command line selects it, it runs and
+// stores its exit status in `exit_status`, or throws CommandError.
+#ifndef AIMHUE_TOOLS_COMMANDS_H_
+#define AIMHUE_TOOLS_COMMANDS_H_
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include <CLI/App.hpp>
+
+#include "meter_set.h"
+
+namespace aimhue {
+namespace tool {
+
+void AddDemoCommand(CLI::App& app, int& exit_status);
+void AddSimulateCommand(CLI::App& app, int& exit_status);
+void AddCalibrateCommand(CLI::App& app, int& exit_status);
+void AddJudgeCommand(CLI::App& app, int& exit_status);
+void AddCoverageCommand(CLI::App& app, int& exit_status);
+void AddInspectCommand(CLI::App& app, int& exit_status);
+
+// The --red, --green and --blue options, three .meter files each (X, Y, Z).
+struct MeterFileOptions {
+  std::array<std::vector<std::string>, 3> files;
+  MeterFiles ToMeterFiles() const;
+};
+void AddMeterFileOptions(CLI::App& command, MeterFileOptions& options);
+
+// Creates `directory` and its parents when missing; CommandError (exit
+// status 4) when that fails.
+void MakeDirectory(const std::string& directory);
+
+}  // namespace tool
+}  // namespace aimhue
+
+#endif  // AIMHUE_TOOLS_COMMANDS_H_
