@@ -113,7 +113,7 @@ case "${1:-}" in
     setup
     build release
     log "demo"
-    ./build/release/examples/example_settings_host
+    ./build/release/tools/aimhue/aimhue demo --size 320x180 --out build/demo
     ;;
   test)
     setup

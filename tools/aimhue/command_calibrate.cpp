@@ -64,7 +64,7 @@ void AddCalibrateCommand(CLI::App& app, int& exit_status) {
       ->type_name("FILE");
   command->add_option("--plot", options->plot, "Also draw the gamut plot into this PNG file.")
       ->type_name("FILE.png");
-  command->footer(
+  command->footer(std::string(
       "Examples:\n"
       "  aimhue calibrate --red r_X.meter r_Y.meter r_Z.meter --green g_X.meter g_Y.meter \\\n"
       "      g_Z.meter --blue b_X.meter b_Y.meter b_Z.meter -o screen.aimhue --plot gamut.png\n"
@@ -75,10 +75,8 @@ void AddCalibrateCommand(CLI::App& app, int& exit_status) {
       "  2  a missing or bad option value\n"
       "  3  a meter file could not be loaded or the library refused the meters\n"
       "     (the message names the file or step and the library's status)\n"
-      "  4  the result, the JSON report or the plot could not be written\n\n"
-      "Environment:\n"
-      "  AIMHUE_LOG=debug|info|error|off  what the library logs to standard error"
-      " (default error)");
+      "  4  the result, the JSON report or the plot could not be written\n\n") +
+                  kEnvironmentHelp);
   command->callback([options, &exit_status] { exit_status = RunCalibrate(*options); });
 }
 

@@ -32,6 +32,9 @@ Coverage CountCoverage(const Meters& meters, const TargetBlock& block, const cv:
   AimhueImage descriptor{};
   const AimhueImage* mask_pointer = nullptr;
   if (!mask.empty()) {
+    if (mask.total() * mask.elemSize() > UINT32_MAX) {
+      throw CommandError(kExitLibrary, "the mask image is too large");
+    }
     descriptor.rows = mask.rows;
     descriptor.cols = mask.cols;
     descriptor.type = mask.type();
@@ -95,11 +98,6 @@ int RunCoverageOrJudge(const JudgeOptions& options, bool judge) {
   return judge && report.ng ? kExitNg : kExitOk;
 }
 
-const char* const kEnvironment =
-    "Environment:\n"
-    "  AIMHUE_LOG=debug|info|error|off  what the library logs to standard error"
-    " (default error)";
-
 }  // namespace
 
 void AddJudgeCommand(CLI::App& app, int& exit_status) {
@@ -127,7 +125,7 @@ void AddJudgeCommand(CLI::App& app, int& exit_status) {
                               "  2  a missing or bad option value\n"
                               "  3  a file could not be loaded or the library refused it\n"
                               "  4  the JSON report could not be written\n\n") +
-                  kEnvironment);
+                  kEnvironmentHelp);
   command->callback([options, &exit_status] { exit_status = RunCoverageOrJudge(*options, true); });
 }
 
@@ -160,7 +158,7 @@ void AddCoverageCommand(CLI::App& app, int& exit_status) {
                               "  3  a file could not be loaded or the library refused it (for\n"
                               "     example a mask of another size: status 9)\n"
                               "  4  the JSON report could not be written\n\n") +
-                  kEnvironment);
+                  kEnvironmentHelp);
   command->callback([options, &exit_status] { exit_status = RunCoverageOrJudge(*options, false); });
 }
 

@@ -8,6 +8,11 @@
 namespace aimhue {
 namespace tool {
 
+const char* const kEnvironmentHelp =
+    "Environment:\n"
+    "  AIMHUE_LOG=debug|info|error|off  what the library logs on standard error\n"
+    "                                   (default: error)";
+
 MeterFiles MeterFileOptions::ToMeterFiles() const {
   MeterFiles names;
   for (int p = 0; p < 3; ++p) {
@@ -26,7 +31,7 @@ void AddMeterFileOptions(CLI::App& command, MeterFileOptions& options) {
                         " primary's CIE X, Y and Z meter files, in that order.")
         ->expected(3)
         ->required()
-        ->type_name("X.meter Y.meter Z.meter");
+        ->type_name("FILE");
   }
 }
 

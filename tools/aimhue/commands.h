@@ -29,6 +29,9 @@ struct MeterFileOptions {
 };
 void AddMeterFileOptions(CLI::App& command, MeterFileOptions& options);
 
+// The help footer's paragraph on the AIMHUE_LOG environment variable.
+extern const char* const kEnvironmentHelp;
+
 // Creates `directory` and its parents when missing; CommandError (exit
 // status 4) when that fails.
 void MakeDirectory(const std::string& directory);

@@ -2,11 +2,13 @@
 #include <aimhue/aimhue.h>
 
 #include <iostream>
+#include <memory>
 
 #include <CLI/CLI.hpp>
 
 #include "command_error.h"
 #include "commands.h"
+#include "help_formatter.h"
 
 int main(int argc, char** argv) {
   using aimhue::tool::CommandError;
@@ -21,9 +23,10 @@ int main(int argc, char** argv) {
       " that mix them into a wanted white, the share of LEDs whose own gamut holds the targets"
       " and a pass/NG judgement of later measurements.",
       "aimhue");
+  app.formatter(std::make_shared<aimhue::tool::HelpFormatter>());
   app.set_version_flag("--version", AIMHUE_VERSION_STRING);
   app.require_subcommand(1);
-  app.footer(
+  app.footer(std::string(
       "Run 'aimhue COMMAND --help' for a command's options, defaults and examples.\n\n"
       "A first run:\n"
       "  aimhue demo --size 320x180 --out demo\n"
@@ -37,10 +40,8 @@ int main(int argc, char** argv) {
       "  1  judge: NG\n"
       "  2  a missing or bad command-line argument\n"
       "  3  the library refused an input file or a computation\n"
-      "  4  an output file could not be written\n\n"
-      "Environment:\n"
-      "  AIMHUE_LOG=debug|info|error|off  what the library logs to standard error (default"
-      " error)");
+      "  4  an output file could not be written\n\n") +
+             aimhue::tool::kEnvironmentHelp);
   int exit_status = aimhue::tool::kExitOk;
   aimhue::tool::AddDemoCommand(app, exit_status);
   aimhue::tool::AddSimulateCommand(app, exit_status);

@@ -201,6 +201,7 @@ ReportJson CalibrationReportJson(const CalibrationReport& report) {
 void PrintCoverageReport(std::ostream& out, const CoverageReport& report) {
   PrintScreen(out, report.source, report.screen);
   PrintDead(out, report.deadLeds);
+  out << "              not repaired: a dead LED reaches no target\n";
   out << "Targets from  " << report.targetsFile << "\n";
   if (!report.maskFile.empty()) out << "Mask          " << report.maskFile << "\n";
   out << "\n";
