@@ -54,9 +54,8 @@ int SelectPlanes(const char* name, const LedMeter* meter_x, const LedMeter* mete
 }
 
 // x = X / S and y = Y / S with S = (X + Y) + Z for LED i, every step a
-// 32-bit float operation in that order. A zero Z is added as +0.0f, as a
-// plane of zeros would be: it turns a sum of -0 into +0 and so decides the
-// sign of an infinite quotient.
+// 32-bit float operation in that order. A missing Z is added as +0.0f,
+// literally as a plane of zeros would be.
 template <bool kHasZ>
 inline void ChromaticityOfLed(const float* X, const float* Y, const float* Z, float* x, float* y,
                               std::ptrdiff_t i) {
