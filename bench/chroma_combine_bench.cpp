@@ -1,11 +1,16 @@
 // ChromaLxy::Combine on full screens beside a baseline that only streams the
 // same three chroma planes through memory. The figure that matters is the
-// ratio of the two times per LED.
+// ratio of the two times per LED, printed after the table for each screen.
 #include <aimhue/led_meter.h>
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "meter/chroma_lxy.h"
 
@@ -42,11 +47,13 @@ uint64_t SumWords(const cv::Mat& plane) {
   return sum;
 }
 
-void SetLeds(benchmark::State& state) {
-  state.SetItemsProcessed(state.iterations() * state.range(0) * state.range(1));
-  state.counters["ns_per_led"] = benchmark::Counter(
-      static_cast<double>(state.range(0) * state.range(1)),
-      benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+constexpr char kPerLed[] = "s_per_led";
+
+// Screen arguments are (columns, rows) in LEDs.
+void CountLeds(benchmark::State& state) {
+  const double leds = static_cast<double>(state.range(0) * state.range(1));
+  state.counters[kPerLed] = benchmark::Counter(
+      leds, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void BM_StreamThreePlanes(benchmark::State& state) {
@@ -56,7 +63,7 @@ void BM_StreamThreePlanes(benchmark::State& state) {
                    SumWords(primary.meters[2].chroma);
     benchmark::DoNotOptimize(sum);
   }
-  SetLeds(state);
+  CountLeds(state);
 }
 
 void BM_ChromaLxyCombine(benchmark::State& state) {
@@ -68,14 +75,54 @@ void BM_ChromaLxyCombine(benchmark::State& state) {
     benchmark::DoNotOptimize(status);
     benchmark::DoNotOptimize(out.x.data);
   }
-  SetLeds(state);
+  CountLeds(state);
 }
 
-// Screens of 1920 x 1080 and 3840 x 2160 LEDs (columns, rows).
 BENCHMARK(BM_StreamThreePlanes)->Args({1920, 1080})->Args({3840, 2160})->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ChromaLxyCombine)->Args({1920, 1080})->Args({3840, 2160})->Unit(benchmark::kMillisecond);
+
+// The console table (without colour codes), then for each screen the time per LED of the baseline
+// and of Combine (the mean over repetitions when there are several) and
+// their ratio.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  RatioReporter() : ConsoleReporter(OO_Tabular) {}
+
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+      const bool mean = run.run_type == Run::RT_Aggregate && run.aggregate_name == "mean";
+      const bool single = run.run_type == Run::RT_Iteration && run.repetitions <= 1;
+      const auto counter = run.counters.find(kPerLed);
+      if (run.error_occurred || !(mean || single) || counter == run.counters.end()) continue;
+      seconds_per_led_[run.run_name.args][run.run_name.function_name] = counter->second.value;
+    }
+  }
+
+  void Finalize() override {
+    ConsoleReporter::Finalize();
+    for (const auto& screen : seconds_per_led_) {
+      const auto stream = screen.second.find("BM_StreamThreePlanes");
+      const auto combine = screen.second.find("BM_ChromaLxyCombine");
+      if (stream == screen.second.end() || combine == screen.second.end()) continue;
+      std::printf("screen %s LEDs: stream %.3f ns/LED, Combine %.3f ns/LED, ratio %.2f\n",
+                  screen.first.c_str(), stream->second * 1e9, combine->second * 1e9,
+                  combine->second / stream->second);
+    }
+  }
+
+ private:
+  std::map<std::string, std::map<std::string, double>> seconds_per_led_;
+};
 
 }  // namespace
 }  // namespace aimhue
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  aimhue::RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  benchmark::Shutdown();
+  return 0;
+}
