@@ -66,6 +66,8 @@ TEST(ChromaLxyCombine, ThreeMetersGiveLuminanceAndChromaticity) {
     EXPECT_NE(out.x.data, meter->chroma.data);
     EXPECT_NE(out.y.data, meter->chroma.data);
   }
+  out.y = cv::Mat(0, 3, CV_32FC1);
+  EXPECT_TRUE(IsEmpty(out));
 }
 
 TEST(ChromaLxyCombine, ZeroSumGivesNaN) {
