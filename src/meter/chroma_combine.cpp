@@ -12,7 +12,6 @@
 #include <emmintrin.h>
 #endif
 
-#include "common/empty_plane.h"
 #include "common/float_plane.h"
 #include "meter/chroma_lxy.h"
 
@@ -147,10 +146,6 @@ int ChromaXYZ::Combine(ChromaXYZ& out, const LedMeter* meter_x, const LedMeter* 
   out.Y = Y;
   out.Z = Z;
   return kOk;
-}
-
-bool IsEmpty(const ChromaLxy& set) {
-  return IsEmptyPlane(set.L) || IsEmptyPlane(set.x) || IsEmptyPlane(set.y);
 }
 
 }  // namespace aimhue
