@@ -78,8 +78,14 @@ void BM_ChromaLxyCombine(benchmark::State& state) {
   CountLeds(state);
 }
 
-BENCHMARK(BM_StreamThreePlanes)->Args({1920, 1080})->Args({3840, 2160})->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_ChromaLxyCombine)->Args({1920, 1080})->Args({3840, 2160})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_StreamThreePlanes)
+    ->Args({1920, 1080})
+    ->Args({3840, 2160})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ChromaLxyCombine)
+    ->Args({1920, 1080})
+    ->Args({3840, 2160})
+    ->Unit(benchmark::kMillisecond);
 
 // The console table (without colour codes), then for each screen the time per LED of the baseline
 // and of Combine (the mean over repetitions when there are several) and

@@ -34,7 +34,8 @@ int SelectPlanes(const char* name, const LedMeter* meter_x, const LedMeter* mete
   }
   // A null meter_x with another meter present goes to the three-meter check,
   // which reports it as a null input.
-  const bool without_z = meter_x != nullptr && meter_x->color == kColorWithoutZ && meter_z == nullptr;
+  const bool without_z =
+      meter_x != nullptr && meter_x->color == kColorWithoutZ && meter_z == nullptr;
   const int status = without_z ? LedMeter::Check(kCheckForCombine, meter_x, meter_y)
                                : LedMeter::Check(kCheckForCombine, meter_x, meter_y, meter_z);
   if (status != kOk) return status;
@@ -101,8 +102,7 @@ void ChromaticityRow(const float* __restrict X, const float* __restrict Y,
 void ComputeChromaticity(const cv::Mat& X, const cv::Mat& Y, const cv::Mat& Z, cv::Mat& x,
                          cv::Mat& y) {
   const bool has_z = !Z.empty();
-  const bool continuous =
-      X.isContinuous() && Y.isContinuous() && (!has_z || Z.isContinuous());
+  const bool continuous = X.isContinuous() && Y.isContinuous() && (!has_z || Z.isContinuous());
   // Continuous planes are walked as one long row.
   const int rows = continuous ? 1 : X.rows;
   const std::ptrdiff_t count =

@@ -46,7 +46,8 @@ constexpr SingleTest kSingleTests[] = {
      [](const LedMeter& m) { return IsEmptyPlane(m.pos); }},
     {kCheckStateNotEmpty, kEmptyPlane, "state is empty",
      [](const LedMeter& m) { return IsEmptyPlane(m.state); }},
-    {kCheckTypeValid, kOutOfRange, "input type", [](const LedMeter& m) { return !IsValidCode(m.type); }},
+    {kCheckTypeValid, kOutOfRange, "input type",
+     [](const LedMeter& m) { return !IsValidCode(m.type); }},
     {kCheckColorValid, kOutOfRange, "input color",
      [](const LedMeter& m) { return !IsValidCode(m.color); }},
 };

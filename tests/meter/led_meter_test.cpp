@@ -27,11 +27,11 @@ TEST(LedMeterSetPartition, AcceptsRegionsInsideTheScreenOnly) {
   EXPECT_TRUE(log.Errors().empty());
 
   const Partition invalid[] = {
-      {0, 0, 11, 10, 10, 10},       // one column past the right edge
-      {-1, 0, 5, 5, 10, 10},        // starts left of the screen
-      {0, 0, 10, 10, 0, 10},        // no screen
-      {0, 0, 0, 10, 10, 10},        // empty region
-      {5, 0, INT_MAX, 1, 10, 10},   // x + w - 1 beyond the int range
+      {0, 0, 11, 10, 10, 10},      // one column past the right edge
+      {-1, 0, 5, 5, 10, 10},       // starts left of the screen
+      {0, 0, 10, 10, 0, 10},       // no screen
+      {0, 0, 0, 10, 10, 10},       // empty region
+      {5, 0, INT_MAX, 1, 10, 10},  // x + w - 1 beyond the int range
   };
   for (const Partition& partition : invalid) {
     log.Clear();
@@ -58,28 +58,15 @@ TEST(LedMeterSetLedPanel, RefusesAnEmptyPanelWithoutAllocating) {
   EXPECT_EQ(meter.led_panel->pixel_pitch, 1.5f);
 }
 
-TEST(LedMeterSetters, LayerAndCaptureAreCopiedUnchecked) {
-  LedMeter meter;
-  LogCapture log;
-  EXPECT_EQ(meter.SetLayer({-3, -1.0f, 7}), kOk);
-  EXPECT_EQ(meter.SetCapture({-1, 0, 1, 2, 3}), kOk);
-  EXPECT_EQ(meter.SetLayer({4, 0.5f, 128}), kOk);
-  EXPECT_EQ(meter.layer->index, 4);
-  EXPECT_EQ(meter.layer->linear_norms, 0.5f);
-  EXPECT_EQ(meter.layer->value, 128);
-  EXPECT_EQ(meter.capture->exposure, -1);
-  EXPECT_EQ(meter.capture->filter, 3);
-  EXPECT_EQ(log.Infos(), (Lines{"LedMeter::SetLayer", "LedMeter::SetCapture", "LedMeter::SetLayer"}));
-}
-
 void ExpectCleared(const LedMeter& meter) {
   EXPECT_EQ(meter.partition, nullptr);
   EXPECT_EQ(meter.layer, nullptr);
   EXPECT_EQ(meter.led_panel, nullptr);
   EXPECT_EQ(meter.capture, nullptr);
-  const std::pair<const cv::Mat*, int> planes[] = {
-      {&meter.state, CV_8UC1}, {&meter.pos, CV_32FC2}, {&meter.chroma, CV_32FC1},
-      {&meter.add_map, CV_8UC1}};
+  const std::pair<const cv::Mat*, int> planes[] = {{&meter.state, CV_8UC1},
+                                                   {&meter.pos, CV_32FC2},
+                                                   {&meter.chroma, CV_32FC1},
+                                                   {&meter.add_map, CV_8UC1}};
   for (const auto& plane : planes) {
     EXPECT_TRUE(plane.first->empty());
     EXPECT_EQ(plane.first->type(), plane.second);
