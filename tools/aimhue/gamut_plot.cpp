@@ -85,6 +85,12 @@ void Text(cv::Mat& image, const std::string& text, cv::Point origin, double size
   cv::putText(image, text, origin, kFont, size, colour, thickness, cv::LINE_AA);
 }
 
+// Text with a white halo, readable over a dense cloud.
+void HaloText(cv::Mat& image, const std::string& text, cv::Point origin, double size) {
+  cv::putText(image, text, origin, kFont, size, kWhite, 4, cv::LINE_AA);
+  cv::putText(image, text, origin, kFont, size, kInk, 1, cv::LINE_AA);
+}
+
 // Text centred horizontally on `centre_x`, its baseline at `baseline`.
 void CentredText(cv::Mat& image, const std::string& text, int centre_x, int baseline,
                  double size, const cv::Scalar& colour) {
@@ -191,9 +197,10 @@ void DrawAxes(cv::Mat& image, const Viewport& view, double x_step, double y_step
   }
 }
 
-// Composites a density cloud of `points` in `colour` over the viewport:
-// counts per pixel, smoothed, shown with a logarithmic opacity so that a
-// lone LED stays visible beside a dense core.
+// Composites a density cloud of `points` over the viewport: counts per
+// pixel, smoothed, with a logarithmic scale so that a lone LED stays visible
+// beside a dense core. Sparse pixels get a light, transparent tint of
+// `colour`, the densest its dark shade.
 void DrawCloud(cv::Mat& image, const Viewport& view, const std::vector<cv::Point2f>& points,
                const cv::Scalar& colour) {
   cv::Mat counts = cv::Mat::zeros(view.area.size(), CV_32FC1);
@@ -210,15 +217,19 @@ void DrawCloud(cv::Mat& image, const Viewport& view, const std::vector<cv::Point
   cv::minMaxLoc(density, nullptr, &peak);
   if (peak <= 0.0) return;
   const double log_peak = std::log1p(peak * 20.0);
+  const cv::Scalar light = colour * 0.55 + cv::Scalar::all(255.0 * 0.45);
+  const cv::Scalar dark = colour * 0.55;
   cv::Mat region = image(view.area);
   for (int row = 0; row < region.rows; ++row) {
     for (int col = 0; col < region.cols; ++col) {
       const double d = density.at<float>(row, col);
       if (d <= 1e-4) continue;
-      const double alpha = std::min(1.0, 0.2 + 0.8 * std::log1p(d * 20.0) / log_peak);
+      const double level = std::log1p(d * 20.0) / log_peak;  // 0 .. 1
+      const double alpha = std::min(1.0, 0.25 + 0.75 * level);
       cv::Vec3b& pixel = region.at<cv::Vec3b>(row, col);
       for (int c = 0; c < 3; ++c) {
-        pixel[c] = cv::saturate_cast<uchar>(pixel[c] * (1.0 - alpha) + colour[c] * alpha);
+        const double shade = light[c] + (dark[c] - light[c]) * level * level;
+        pixel[c] = cv::saturate_cast<uchar>(pixel[c] * (1.0 - alpha) + shade * alpha);
       }
     }
   }
@@ -256,6 +267,8 @@ void DrawWhitePoint(cv::Mat& image, const Viewport& view, const TargetLxy& white
 }
 
 void DrawMeanMark(cv::Mat& image, const cv::Point2d& at, int arm) {
+  Line(image, at - cv::Point2d(arm + 1, 0), at + cv::Point2d(arm + 1, 0), kWhite, 5);
+  Line(image, at - cv::Point2d(0, arm + 1), at + cv::Point2d(0, arm + 1), kWhite, 5);
   Line(image, at - cv::Point2d(arm, 0), at + cv::Point2d(arm, 0), kInk, 2);
   Line(image, at - cv::Point2d(0, arm), at + cv::Point2d(0, arm), kInk, 2);
 }
@@ -374,7 +387,7 @@ void DrawInset(cv::Mat& image, const cv::Rect& frame, int primary, const GamutPl
   if (std::isfinite(mean.x) && std::isfinite(mean.y)) {
     const cv::Point2d at = local.ToPixel(mean.x, mean.y);
     DrawMeanMark(clip, at, 7);
-    Text(clip, "mean", {static_cast<int>(at.x) + 9, static_cast<int>(at.y) - 7}, 0.45, kInk);
+    HaloText(clip, "mean", {static_cast<int>(at.x) + 10, static_cast<int>(at.y) - 8}, 0.45);
   }
   if (std::isfinite(target.x) && std::isfinite(target.y)) {
     const cv::Point2d at = local.ToPixel(target.x, target.y);
@@ -382,7 +395,7 @@ void DrawInset(cv::Mat& image, const cv::Rect& frame, int primary, const GamutPl
     // Below the mark unless that leaves the inset.
     const int baseline = at.y + 20 < clip.rows ? static_cast<int>(at.y) + 18
                                                 : static_cast<int>(at.y) - 10;
-    Text(clip, "target", {static_cast<int>(at.x) + 9, baseline}, 0.45, kInk);
+    HaloText(clip, "target", {static_cast<int>(at.x) + 9, baseline}, 0.45);
   }
   cv::rectangle(image, area, kFrame, 1);
 
