@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
 #include <iostream>
 #include <memory>
 
@@ -148,9 +149,11 @@ std::string Text(const ReportJson& value) {
   return value.dump();
 }
 
-void PrintRecord(std::ostream& out, const char* title, const ReportJson& record) {
+// The fields of a record in their stored order (the JSON object sorts them).
+void PrintRecord(std::ostream& out, const char* title, const ReportJson& record,
+                 std::initializer_list<const char*> fields) {
   out << "  " << title << ":";
-  for (const auto& [key, value] : record.items()) out << " " << key << " " << Text(value);
+  for (const char* field : fields) out << " " << field << " " << Text(record[field]);
   out << "\n";
 }
 
@@ -191,13 +194,17 @@ void PrintInspection(std::ostream& out, const ReportJson& json) {
   out << ": " << json["state"]["markedDead"].get<int64_t>() << " marked dead\n";
   PrintPlane(out, "pos", json["pos"]);
   out << "\n";
-  for (const char* record : {"partition", "ledPanel", "layer", "capture"}) {
+  const auto print = [&](const char* record, std::initializer_list<const char*> fields) {
     if (json.contains(record)) {
-      PrintRecord(out, record, json[record]);
+      PrintRecord(out, record, json[record], fields);
     } else {
       out << "  " << record << ": absent\n";
     }
-  }
+  };
+  print("partition", {"x", "y", "w", "h", "screen_w", "screen_h"});
+  print("ledPanel", {"type", "layout", "subpixel_type", "w", "h", "pixel_pitch"});
+  print("layer", {"index", "linear_norms", "value"});
+  print("capture", {"exposure", "gain", "aperture", "microfocus", "filter"});
 }
 
 int RunInspect(const InspectOptions& options) {
