@@ -4,6 +4,8 @@
 #include <aimhue/api.h>
 #include <aimhue/status.h>
 
+#include <cmath>
+
 #include "command_error.h"
 #include "engine_handle.h"
 
@@ -184,6 +186,21 @@ CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
     });
   }
   return report;
+}
+
+void CheckTargetsFinite(const CalibrationReport& report) {
+  for (const TargetLxy& target : report.targets) {
+    if (std::isfinite(target.L) && std::isfinite(target.x) && std::isfinite(target.y)) continue;
+    const auto& dead = report.dead.remaining;
+    throw CommandError(kExitLibrary,
+                       "the targets are not finite" +
+                           (dead[0] + dead[1] + dead[2] > 0
+                                ? " (dead LEDs without chromaticity were searched: red " +
+                                      std::to_string(dead[0]) + ", green " +
+                                      std::to_string(dead[1]) + ", blue " +
+                                      std::to_string(dead[2]) + ")"
+                                : std::string()));
+  }
 }
 
 }  // namespace tool

@@ -54,6 +54,12 @@ CalibrationSettings ParseCalibrationSettings(const CalibrationOptionText& text);
 CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
                             const std::string& result_file);
 
+// Ends the command (CommandError, exit status 3) when a target is not
+// finite: the library then reported success, but the result is of no use.
+// Called after the report is printed, so the user sees where NaN came from
+// (usually dead LEDs kept with --keep-dead).
+void CheckTargetsFinite(const CalibrationReport& report);
+
 }  // namespace tool
 }  // namespace aimhue
 

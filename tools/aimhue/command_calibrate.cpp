@@ -38,6 +38,7 @@ int RunCalibrate(const CalibrateOptions& options) {
     WriteJsonFile(options.json, CalibrationReportJson(report));
   }
   PrintCalibrationReport(std::cout, report);
+  CheckTargetsFinite(report);
   return kExitOk;
 }
 

@@ -52,6 +52,7 @@ int RunDemo(const DemoOptions& options) {
   report.outputs = {result_file, json_file, plot_file};
   WriteJsonFile(json_file, CalibrationReportJson(report));
   PrintCalibrationReport(std::cout, report);
+  CheckTargetsFinite(report);
   return kExitOk;
 }
 

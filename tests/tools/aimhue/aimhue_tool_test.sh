@@ -110,6 +110,11 @@ assert png[:8] == b"\x89PNG\r\n\x1a\n", "PNG signature"
 assert struct.unpack(">II", png[16:24]) == (1640, 1000), "PNG size"
 PY
 
+# Dead LEDs kept: the library succeeds with NaN targets, the tool says so.
+expect 3 "$aimhue" demo --size 32x24 --keep-dead --out kept
+contains out.txt "kept as measured"
+contains err.txt "not finite"
+
 # --- simulate -> calibrate -> judge -> coverage -> inspect -------------------
 expect 0 "$aimhue" simulate --size 48x32 --seed 5 --out meters
 for primary in red green blue; do
