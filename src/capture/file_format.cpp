@@ -76,26 +76,16 @@ bool WriteWholeFile(const std::string& fullname, const std::string& bytes) {
   return true;
 }
 
-int LoadFormatFile(const char* who, const std::string& fullname, const char* extension,
-                   std::string& bytes) {
-  const int status = CheckExtension(who, fullname, extension);
-  if (status != kOk) return status;
-  if (!ReadWholeFile(fullname, bytes)) {
-    LogOpenFailure(who, fullname);
-    return kOpenReadFailed;
-  }
-  return kOk;
+int ReadFormatFile(const char* who, const std::string& fullname, std::string& bytes) {
+  if (ReadWholeFile(fullname, bytes)) return kOk;
+  LogOpenFailure(who, fullname);
+  return kOpenReadFailed;
 }
 
-int SaveFormatFile(const char* who, const std::string& fullname, const char* extension,
-                   const std::string& bytes) {
-  const int status = CheckExtension(who, fullname, extension);
-  if (status != kOk) return status;
-  if (!WriteWholeFile(fullname, bytes)) {
-    LogOpenFailure(who, fullname);
-    return kOpenWriteFailed;
-  }
-  return kOk;
+int WriteFormatFile(const char* who, const std::string& fullname, const std::string& bytes) {
+  if (WriteWholeFile(fullname, bytes)) return kOk;
+  LogOpenFailure(who, fullname);
+  return kOpenWriteFailed;
 }
 
 int CheckOutputBuffer(const char* buffer, const uint64_t* size, uint64_t needed) {

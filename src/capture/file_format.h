@@ -9,6 +9,8 @@
 #ifndef AIMHUE_SRC_CAPTURE_FILE_FORMAT_H_
 #define AIMHUE_SRC_CAPTURE_FILE_FORMAT_H_
 
+#include <aimhue/status.h>
+
 #include <cstdint>
 #include <string>
 
@@ -51,17 +53,37 @@ bool ReadWholeFile(const std::string& fullname, std::string& bytes);
 // Write errors after a successful open are not reported.
 bool WriteWholeFile(const std::string& fullname, const std::string& bytes);
 
-// The file side of a format's Load: the extension check (8), then the whole
-// file into `bytes`; an unreadable file logs the open failure and returns
-// 2.
-int LoadFormatFile(const char* who, const std::string& fullname, const char* extension,
-                   std::string& bytes);
+// Reads the whole file for a format's Load: an unreadable file logs the
+// open failure and returns 2.
+int ReadFormatFile(const char* who, const std::string& fullname, std::string& bytes);
 
-// The file side of a format's Save: the extension check (8), then `bytes`
-// into the file; a file that cannot be opened logs the open failure and
-// returns 4. Nothing is created when the name is refused.
+// Writes a format's content for its Save: a file that cannot be opened logs
+// the open failure and returns 4.
+int WriteFormatFile(const char* who, const std::string& fullname, const std::string& bytes);
+
+// The file side of a format's Load: the extension check (8), the whole file
+// (2), then parse(data, size), whose status is returned.
+template <typename Parse>
+int LoadFormatFile(const char* who, const std::string& fullname, const char* extension,
+                   Parse&& parse) {
+  int status = CheckExtension(who, fullname, extension);
+  if (status != kOk) return status;
+  std::string bytes;
+  status = ReadFormatFile(who, fullname, bytes);
+  if (status != kOk) return status;
+  return parse(bytes.data(), bytes.size());
+}
+
+// The file side of a format's Save: the extension check (8), then the bytes
+// that content() returns into the file (4). Nothing is produced or created
+// when the name is refused.
+template <typename Content>
 int SaveFormatFile(const char* who, const std::string& fullname, const char* extension,
-                   const std::string& bytes);
+                   Content&& content) {
+  const int status = CheckExtension(who, fullname, extension);
+  if (status != kOk) return status;
+  return WriteFormatFile(who, fullname, content());
+}
 
 // The caller's-buffer rule of ToBuffer: null `buffer` or `size` gives 1;
 // `*size` < `needed` gives 13 with the buffer and `*size` untouched;

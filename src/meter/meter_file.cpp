@@ -206,9 +206,7 @@ int LedMeter::Save(const std::string& fullname) const {
   constexpr char kWho[] = "LedMeter::Save";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    const int status = CheckExtension(kWho, fullname, kMeterExtension);
-    if (status != kOk) return status;
-    return SaveFormatFile(kWho, fullname, kMeterExtension, Serialize(*this));
+    return SaveFormatFile(kWho, fullname, kMeterExtension, [&] { return Serialize(*this); });
   });
 }
 
@@ -216,10 +214,9 @@ int LedMeter::Load(const std::string& fullname) {
   constexpr char kWho[] = "LedMeter::Load";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    std::string bytes;
-    const int status = LoadFormatFile(kWho, fullname, kMeterExtension, bytes);
-    if (status != kOk) return status;
-    return Parse(kWho, bytes.data(), bytes.size(), *this);
+    return LoadFormatFile(kWho, fullname, kMeterExtension, [&](const char* data, size_t size) {
+      return Parse(kWho, data, size, *this);
+    });
   });
 }
 
@@ -243,7 +240,8 @@ int LedMeter::FromBuffer(const char* buffer, uint64_t size) {
   constexpr char kWho[] = "LedMeter::FromBuffer";
   PlumeLogInfo(kWho);
   if (buffer == nullptr) return kNullInput;
-  return GuardExceptions(kWho, [&] { return Parse(kWho, buffer, static_cast<size_t>(size), *this); });
+  return GuardExceptions(kWho,
+                         [&] { return Parse(kWho, buffer, static_cast<size_t>(size), *this); });
 }
 
 }  // namespace aimhue

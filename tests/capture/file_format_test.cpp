@@ -35,7 +35,9 @@ TEST(FileFormat, HeaderNeedsTheMarkThenTheVersion) {
   };
   const Case cases[] = {
       {std::string("L\x01\x00\x00\x00", 5), kOk, {}},
-      {std::string("B\x01\x00\x00\x00", 5), kBadByteOrderMark, {"X::Load -- Error file endianness."}},
+      {std::string("B\x01\x00\x00\x00", 5),
+       kBadByteOrderMark,
+       {"X::Load -- Error file endianness."}},
       {"", kBadByteOrderMark, {"X::Load -- Error file endianness."}},
       {std::string("L\x02\x00\x00\x00", 5), kBadVersion, {"X::Load -- Error version in file."}},
       {std::string("L\x01\x00", 3), kBadVersion, {"X::Load -- Error version in file."}},
@@ -48,29 +50,48 @@ TEST(FileFormat, HeaderNeedsTheMarkThenTheVersion) {
   }
 }
 
+// Load through the shared file side, keeping the bytes it parsed.
+int LoadBytes(const std::string& fullname, std::string& bytes) {
+  return LoadFormatFile("X::Load", fullname, ".x", [&](const char* data, size_t size) {
+    bytes.assign(data, size);
+    return 0;
+  });
+}
+
+int SaveBytes(const std::string& fullname, const std::string& bytes) {
+  return SaveFormatFile("X::Save", fullname, ".x", [&] { return bytes; });
+}
+
 TEST(FileFormat, FilesFailToOpenWithTheirNameAndFormatCode) {
   TempDir dir;
   LogCapture log;
   std::string bytes = "kept";
-  EXPECT_EQ(LoadFormatFile("X::Load", dir.Path("missing.x"), ".x", bytes), kOpenReadFailed);
+  EXPECT_EQ(LoadBytes(dir.Path("missing.x"), bytes), kOpenReadFailed);
   EXPECT_EQ(bytes, "kept");
-  EXPECT_EQ(SaveFormatFile("X::Save", dir.Path("no/such/dir.x"), ".x", "data"), kOpenWriteFailed);
+  EXPECT_EQ(SaveBytes(dir.Path("no/such/dir.x"), "data"), kOpenWriteFailed);
   // A directory with the right extension is not a readable file.
   std::filesystem::create_directory(dir.Path("folder.x"));
-  EXPECT_EQ(LoadFormatFile("X::Load", dir.Path("folder.x"), ".x", bytes), kOpenReadFailed);
+  EXPECT_EQ(LoadBytes(dir.Path("folder.x"), bytes), kOpenReadFailed);
   EXPECT_EQ(log.Errors(),
             (Lines{"X::Load -- Failed to Open file. fullname = " + dir.Path("missing.x"),
                    "X::Save -- Failed to Open file. fullname = " + dir.Path("no/such/dir.x"),
                    "X::Load -- Failed to Open file. fullname = " + dir.Path("folder.x")}));
 }
 
-TEST(FileFormat, SaveRefusesTheNameBeforeCreatingAnything) {
+TEST(FileFormat, SaveRefusesTheNameBeforeProducingOrCreatingAnything) {
   TempDir dir;
-  EXPECT_EQ(SaveFormatFile("X::Save", dir.Path("a.txt"), ".x", "data"), kBadExtension);
+  bool produced = false;
+  EXPECT_EQ(SaveFormatFile("X::Save", dir.Path("a.txt"), ".x",
+                           [&] {
+                             produced = true;
+                             return std::string("data");
+                           }),
+            kBadExtension);
+  EXPECT_FALSE(produced);
   EXPECT_FALSE(std::filesystem::exists(dir.Path("a.txt")));
-  ASSERT_EQ(SaveFormatFile("X::Save", dir.Path("a.x"), ".x", std::string("d\0ta", 4)), kOk);
+  ASSERT_EQ(SaveBytes(dir.Path("a.x"), std::string("d\0ta", 4)), kOk);
   std::string bytes;
-  ASSERT_EQ(LoadFormatFile("X::Load", dir.Path("a.x"), ".x", bytes), kOk);
+  ASSERT_EQ(LoadBytes(dir.Path("a.x"), bytes), kOk);
   EXPECT_EQ(bytes, std::string("d\0ta", 4));
 }
 

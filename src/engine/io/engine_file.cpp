@@ -85,7 +85,7 @@ int Aimhue::Save(const std::string& fullname) const {
   constexpr char kWho[] = "Aimhue::Save";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    return SaveFormatFile(kWho, fullname, kEngineExtension, Serialize(*this));
+    return SaveFormatFile(kWho, fullname, kEngineExtension, [&] { return Serialize(*this); });
   });
 }
 
@@ -93,10 +93,9 @@ int Aimhue::Load(const std::string& fullname) {
   constexpr char kWho[] = "Aimhue::Load";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    std::string bytes;
-    const int status = LoadFormatFile(kWho, fullname, kEngineExtension, bytes);
-    if (status != kOk) return status;
-    return Parse(kWho, bytes.data(), bytes.size(), *this);
+    return LoadFormatFile(kWho, fullname, kEngineExtension, [&](const char* data, size_t size) {
+      return Parse(kWho, data, size, *this);
+    });
   });
 }
 
@@ -114,7 +113,8 @@ int Aimhue::FromBuffer(const char* buffer, int64_t size) {
     PlumeLogError("%s--Error :: negative buffer size.", kWho);
     return kOutOfRange;
   }
-  return GuardExceptions(kWho, [&] { return Parse(kWho, buffer, static_cast<size_t>(size), *this); });
+  return GuardExceptions(kWho,
+                         [&] { return Parse(kWho, buffer, static_cast<size_t>(size), *this); });
 }
 
 int Aimhue::GetBufferSize(uint64_t* size) const {
