@@ -11,7 +11,7 @@ expected=(
   AimhueCreateHandle AimhueDestroyHandle AimhueRelease AimhueSetNGThresh
   AimhueSetPercentEnd AimhueSetPercentCalcChroma AimhueGet
   AimhueSave AimhueLoad AimhueToBuffer AimhueFromBuffer AimhueGetBufferSize
-  AimhueVConcatMeter
+  AimhueVConcatMeter AimhueCalcPercentOfTarget
 )
 missing=0
 for name in "${expected[@]}"; do
