@@ -66,13 +66,7 @@ TEST_F(ComputeApi, CoverageCountsEveryLedOrTheMaskedOnes) {
 }
 
 TEST_F(ComputeApi, CoverageChecksRunInOrderAndLeaveTheOutputUnwritten) {
-  const std::vector<unsigned char> pixels(400, 1);
-  const AimhueImage sizeWrong{10, 10, 0, 99, pixels.data()};
-  const AimhueImage noData{0, 0, 0, 0, nullptr};
-  const AimhueImage floatMask{10, 10, 5, 400, pixels.data()};
-  const AimhueImage otherSize{10, 10, 0, 100, pixels.data()};
   float out[4] = {-1, -1, -1, -1};
-
   // The count is checked before any pointer, the pointers before the meters.
   EXPECT_EQ(AimhueCalcPercentOfTarget(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 2),
             kOutOfRange);
@@ -82,10 +76,30 @@ TEST_F(ComputeApi, CoverageChecksRunInOrderAndLeaveTheOutputUnwritten) {
   EXPECT_EQ(AimhueCalcPercentOfTarget(triples_[0], nullptr, triples_[2], inside_.data(), out,
                                       nullptr, 3),
             kNullInput);
-  EXPECT_EQ(Coverage(inside_.data(), out, &sizeWrong), kInconsistentDescriptor);
-  EXPECT_EQ(Coverage(inside_.data(), out, &noData), kEmptyInput);
-  EXPECT_EQ(Coverage(inside_.data(), out, &floatMask), kUnsupportedElementType);
-  EXPECT_EQ(Coverage(inside_.data(), out, &otherSize), kOutOfRange);  // not the screen's size
+
+  const std::vector<unsigned char> pixels(400, 1);
+  const int32_t kMax = 0x7FFFFFFF;
+  const struct {
+    AimhueImage mask;
+    int status;
+  } masks[] = {
+      {{10, 10, 0, 100, pixels.data()}, kOutOfRange},  // accepted, but not the screen's size
+      {{10, 10, 0, 99, pixels.data()}, kInconsistentDescriptor},
+      {{10, 10, 0, 100, nullptr}, kInconsistentDescriptor},
+      {{0, 10, 0, 0, pixels.data()}, kInconsistentDescriptor},
+      {{-3, -4, 0, 0, nullptr}, kInconsistentDescriptor},  // 12 cells by the size rule
+      {{-10, 10, 0, 0, nullptr}, kInconsistentDescriptor},  // a negative product
+      {{10, 10, -8, 0, pixels.data()}, kInconsistentDescriptor},
+      {{kMax, kMax, 0, 1, pixels.data()}, kInconsistentDescriptor},  // beyond any 32-bit size
+      {{0, 0, 0, 0, nullptr}, kEmptyInput},
+      {{-3, 0, 0, 0, nullptr}, kEmptyInput},
+      {{10, 10, 5, 400, pixels.data()}, kUnsupportedElementType},
+      {{10, 10, 16, 300, pixels.data()}, kUnsupportedElementType},  // three channels
+  };
+  for (const auto& m : masks) {
+    EXPECT_EQ(Coverage(inside_.data(), out, &m.mask), m.status)
+        << m.mask.rows << " " << m.mask.cols << " " << m.mask.type << " " << m.mask.size;
+  }
   EXPECT_EQ(out[0], -1.0f);
 
   // A combination failure is the combination's status and message; the
