@@ -5,6 +5,7 @@
 
 #include <aimhue/target.h>
 
+#include <array>
 #include <cstdint>
 
 #include <opencv2/core.hpp>
@@ -18,6 +19,13 @@ struct Chromaticity {
   float x;
   float y;
 };
+
+// The twelve floats (red L, x, y, green L, x, y, ...) of a four-point
+// target block, as the count reads them.
+inline const float* TargetFloats(const std::array<TargetLxy, 4>& block) {
+  static_assert(sizeof(block) == 12 * sizeof(float), "a target block is twelve packed floats");
+  return &block[0].L;
+}
 
 // The four coverage fractions from the counts and the number of counted
 // LEDs: each division in 64-bit floating point, each quotient stored as a
