@@ -42,7 +42,13 @@ inline LedFrame MakeLedFrame(Chromaticity p0, Chromaticity p1, Chromaticity p2) 
 }
 
 // Whether q lies in the frame's triangle, boundary included. A degenerate
-// triangle gives infinite or NaN weights, and one of the range tests fails.
+// triangle gives infinite or NaN weights, and one of the tests fails.
+//
+// The weights must satisfy 0 <= u <= 1, 0 <= v <= 1 and u + v <= 1. Once u
+// and v are non-negative, u > 1 or v > 1 already makes the rounded u + v
+// exceed 1 (adding a non-negative value never rounds below the larger
+// operand), so the upper bounds decide nothing and are not tested; a NaN
+// weight fails the >= tests. Without branches the count's loop vectorises.
 inline bool FrameContains(const LedFrame& frame, Chromaticity q) {
   const float e2x = q.x - frame.originX;
   const float e2y = q.y - frame.originY;
@@ -50,8 +56,9 @@ inline bool FrameContains(const LedFrame& frame, Chromaticity q) {
   const double d12 = static_cast<double>(frame.e1x * e2x + frame.e1y * e2y);
   const double u = (frame.d11 * d02 - d12 * frame.d01) * frame.inv;
   const double v = (d12 * frame.d00 - d02 * frame.d01) * frame.inv;
-  if (u < 0.0 || u > 1.0 || v < 0.0 || v > 1.0) return false;
-  return u + v <= 1.0;
+  const int inside = static_cast<int>(u >= 0.0) & static_cast<int>(v >= 0.0) &
+                     static_cast<int>(u + v <= 1.0);
+  return inside != 0;
 }
 
 // Counts, over the LEDs added to it, how many reach the red, the green and

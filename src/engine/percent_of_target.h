@@ -50,6 +50,23 @@ bool InGamut(Chromaticity p0, Chromaticity p1, Chromaticity p2, Chromaticity q);
 int PercentOfTarget(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
                     const float* targets, Coverage& out, const cv::Mat& mask);
 
+// The instruction sets the count is compiled for. PercentOfTarget runs on
+// the widest one the processor offers; every one gives bit-identical
+// results (the same operations per LED, no fused multiply-add).
+enum class CountKernel { kPortable, kAvx2, kAvx512 };
+
+// Whether `kernel` can run on this processor (kPortable always can).
+bool CountKernelAvailable(CountKernel kernel);
+
+// The widest available kernel.
+CountKernel WidestCountKernel();
+
+// PercentOfTarget on a chosen kernel (the portable one when `kernel` is not
+// available), so that each can be checked against the others.
+int PercentOfTargetOn(CountKernel kernel, const ChromaLxy* red, const ChromaLxy* green,
+                      const ChromaLxy* blue, const float* targets, Coverage& out,
+                      const cv::Mat& mask);
+
 }  // namespace aimhue
 
 #endif  // AIMHUE_SRC_ENGINE_PERCENT_OF_TARGET_H_

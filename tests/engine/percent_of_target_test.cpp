@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <vector>
 
 #include "support/chroma_sets.h"
 
@@ -65,17 +66,29 @@ TEST(InGamut, CornersAndEdgesCountCollinearAndNaNNever) {
   EXPECT_FALSE(InGamut(kRed, kGreen, kBlue, {nan, nan}));
 }
 
-TEST(PercentOfTarget, MatchesTheLiteralCountOnRandomPanels) {
+TEST(PercentOfTarget, EveryKernelMatchesTheLiteralCountOnRandomPanels) {
+  std::vector<CountKernel> kernels;
+  for (CountKernel kernel : {CountKernel::kPortable, CountKernel::kAvx2, CountKernel::kAvx512}) {
+    if (CountKernelAvailable(kernel)) kernels.push_back(kernel);
+  }
   std::mt19937 random(7);
   for (int trial = 0; trial < 3000; ++trial) {
     const RandomPanel panel = MakeRandomPanel(random, trial % 2 == 1);
-    Coverage coverage{-1.0f, -1.0f, -1.0f, -1.0f};
-    ASSERT_EQ(PercentOfTarget(&panel.red, &panel.green, &panel.blue, panel.targets.data(),
-                              coverage, panel.mask),
-              kOk);
     const Coverage expected =
         LiteralCoverage(panel.red, panel.green, panel.blue, panel.targets.data(), panel.mask);
-    ASSERT_EQ(Bits(coverage), Bits(expected)) << "trial " << trial;
+    for (CountKernel kernel : kernels) {
+      Coverage coverage{-1.0f, -1.0f, -1.0f, -1.0f};
+      ASSERT_EQ(PercentOfTargetOn(kernel, &panel.red, &panel.green, &panel.blue,
+                                  panel.targets.data(), coverage, panel.mask),
+                kOk);
+      ASSERT_EQ(Bits(coverage), Bits(expected))
+          << "trial " << trial << " kernel " << static_cast<int>(kernel);
+    }
+    Coverage widest;
+    ASSERT_EQ(PercentOfTarget(&panel.red, &panel.green, &panel.blue, panel.targets.data(), widest,
+                              panel.mask),
+              kOk);
+    ASSERT_EQ(Bits(widest), Bits(expected)) << "trial " << trial;
   }
 }
 
