@@ -3,10 +3,12 @@
 
 #include <aimhue/status.h>
 
+#include <algorithm>
 #include <cstdint>
 
 #include "engine/coverage_inputs.h"
 #include "engine/led_gamut.h"
+#include "engine/quick_gamut.h"
 #include "meter/chroma_lxy.h"
 
 #if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
@@ -36,47 +38,93 @@ struct CountTotals {
   int64_t excluded = 0;
 };
 
-// Every LED once: its frame, then the three targets against it. The loop
-// body has no branch (a masked-out LED is computed and then not counted),
-// so that the compiler turns it into vector code, many LEDs per
-// instruction; each LED's arithmetic stays exactly the scalar one.
+// One row of the six planes and the mask.
+struct RowPlanes {
+  const float* rx;
+  const float* ry;
+  const float* gx;
+  const float* gy;
+  const float* bx;
+  const float* by;
+  const uint8_t* keep;  // null when every LED counts
+};
+
+// LEDs per quick pass: the unsure flags of one stretch live on the stack.
+constexpr int kStretch = 256;
+
+// A stretch of LEDs [begin, end) of one row: the quick 32-bit test on
+// every LED, adding up the LEDs it decides for all three targets, then the
+// full test on each LED it left unsure (on real screens a rare LED whose
+// edge nearly touches a target, or a degenerate one). The quick loop has
+// no branch (a masked-out LED is computed and then not counted), so that
+// the compiler turns it into vector code, many LEDs per instruction.
+template <bool kMasked>
+AIMHUE_ALWAYS_INLINE void CountStretch(const RowPlanes& row, int begin, int end,
+                                       const Chromaticity (&target)[3], CountTotals& totals) {
+  int32_t unsure[kStretch];
+  int32_t inRed = 0;
+  int32_t inGreen = 0;
+  int32_t inBlue = 0;
+  int32_t inAll = 0;
+  int32_t excluded = 0;
+  int32_t open = 0;
+  const int count = end - begin;
+  for (int i = 0; i < count; ++i) {
+    const int col = begin + i;
+    const QuickFrame frame = MakeQuickFrame({row.rx[col], row.ry[col]}, {row.gx[col], row.gy[col]},
+                                            {row.bx[col], row.by[col]});
+    const int32_t counted = kMasked ? static_cast<int32_t>(row.keep[col] != 0) : 1;
+    int32_t sureRed = 0;
+    int32_t sureGreen = 0;
+    int32_t sureBlue = 0;
+    const int32_t reachRed = QuickContains(frame, target[0], sureRed);
+    const int32_t reachGreen = QuickContains(frame, target[1], sureGreen);
+    const int32_t reachBlue = QuickContains(frame, target[2], sureBlue);
+    const int32_t decided = sureRed & sureGreen & sureBlue & counted;
+    inRed += reachRed & decided;
+    inGreen += reachGreen & decided;
+    inBlue += reachBlue & decided;
+    inAll += reachRed & reachGreen & reachBlue & decided;
+    excluded += 1 - counted;
+    unsure[i] = counted & (decided ^ 1);
+    open += unsure[i];
+  }
+  for (int i = 0; open > 0 && i < count; ++i) {
+    if (unsure[i] == 0) continue;
+    --open;
+    const int col = begin + i;
+    const LedFrame frame = MakeLedFrame({row.rx[col], row.ry[col]}, {row.gx[col], row.gy[col]},
+                                        {row.bx[col], row.by[col]});
+    const bool reachRed = FrameContains(frame, target[0]);
+    const bool reachGreen = FrameContains(frame, target[1]);
+    const bool reachBlue = FrameContains(frame, target[2]);
+    inRed += reachRed;
+    inGreen += reachGreen;
+    inBlue += reachBlue;
+    inAll += reachRed && reachGreen && reachBlue;
+  }
+  totals.red += inRed;
+  totals.green += inGreen;
+  totals.blue += inBlue;
+  totals.all += inAll;
+  totals.excluded += excluded;
+}
+
+// Every LED once, row by row, in stretches.
 template <bool kMasked>
 AIMHUE_ALWAYS_INLINE void CountPanel(const CountInputs& in, const float* targets, CountTotals& totals) {
-  const Chromaticity red{targets[1], targets[2]};
-  const Chromaticity green{targets[4], targets[5]};
-  const Chromaticity blue{targets[7], targets[8]};
+  const Chromaticity target[3] = {{targets[1], targets[2]}, {targets[4], targets[5]},
+                                  {targets[7], targets[8]}};
   const int rows = in.red->L.rows;
   const int cols = in.red->L.cols;
-  for (int row = 0; row < rows; ++row) {
-    const float* rx = in.red->x.ptr<float>(row);
-    const float* ry = in.red->y.ptr<float>(row);
-    const float* gx = in.green->x.ptr<float>(row);
-    const float* gy = in.green->y.ptr<float>(row);
-    const float* bx = in.blue->x.ptr<float>(row);
-    const float* by = in.blue->y.ptr<float>(row);
-    const uint8_t* keep = kMasked ? in.mask->ptr<uint8_t>(row) : nullptr;
-    int32_t inRed = 0;
-    int32_t inGreen = 0;
-    int32_t inBlue = 0;
-    int32_t inAll = 0;
-    int32_t excluded = 0;
-    for (int col = 0; col < cols; ++col) {
-      const LedFrame frame = MakeLedFrame({rx[col], ry[col]}, {gx[col], gy[col]}, {bx[col], by[col]});
-      const int32_t counted = kMasked ? static_cast<int32_t>(keep[col] != 0) : 1;
-      const int32_t reachRed = static_cast<int32_t>(FrameContains(frame, red)) & counted;
-      const int32_t reachGreen = static_cast<int32_t>(FrameContains(frame, green)) & counted;
-      const int32_t reachBlue = static_cast<int32_t>(FrameContains(frame, blue)) & counted;
-      inRed += reachRed;
-      inGreen += reachGreen;
-      inBlue += reachBlue;
-      inAll += reachRed & reachGreen & reachBlue;
-      excluded += 1 - counted;
+  for (int r = 0; r < rows; ++r) {
+    const RowPlanes row{in.red->x.ptr<float>(r),   in.red->y.ptr<float>(r),
+                        in.green->x.ptr<float>(r), in.green->y.ptr<float>(r),
+                        in.blue->x.ptr<float>(r),  in.blue->y.ptr<float>(r),
+                        kMasked ? in.mask->ptr<uint8_t>(r) : nullptr};
+    for (int begin = 0; begin < cols; begin += kStretch) {
+      CountStretch<kMasked>(row, begin, std::min(cols, begin + kStretch), target, totals);
     }
-    totals.red += inRed;
-    totals.green += inGreen;
-    totals.blue += inBlue;
-    totals.all += inAll;
-    totals.excluded += excluded;
   }
 }
 

@@ -1,5 +1,6 @@
 #include "support/chroma_sets.h"
 
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -108,7 +109,7 @@ Chromaticity Near(std::mt19937& random, Chromaticity centre, float spread) {
 std::array<Chromaticity, 3> RandomLed(std::mt19937& random, const std::array<Chromaticity, 3>& target) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   std::array<Chromaticity, 3> led;
-  const int kind = std::uniform_int_distribution<int>(0, 9)(random);
+  const int kind = std::uniform_int_distribution<int>(0, 10)(random);
   switch (kind) {
     case 0:  // anywhere
       for (Chromaticity& p : led) p = {Uniform(random, 0.0f, 0.9f), Uniform(random, 0.0f, 0.9f)};
@@ -137,6 +138,17 @@ std::array<Chromaticity, 3> RandomLed(std::mt19937& random, const std::array<Chr
     case 5: {  // two corners equal: zero area
       for (Chromaticity& p : led) p = Near(random, {0.3f, 0.3f}, 0.3f);
       led[2] = led[std::uniform_int_distribution<int>(0, 1)(random)];
+      break;
+    }
+    case 6: {  // a target just off an edge, on either side, by 10^-8 to 10^-3
+      const Chromaticity t = target[std::uniform_int_distribution<int>(0, 2)(random)];
+      for (Chromaticity& p : led) p = Near(random, t, 0.4f);
+      const float along = Uniform(random, 0.5f, 3.0f);
+      const float offset = std::pow(10.0f, Uniform(random, -8.0f, -3.0f)) *
+                           (std::uniform_int_distribution<int>(0, 1)(random) == 0 ? 1.0f : -1.0f);
+      const float dx = t.x - led[0].x;
+      const float dy = t.y - led[0].y;
+      led[1] = {led[0].x + along * dx - offset * dy, led[0].y + along * dy + offset * dx};
       break;
     }
     default:  // a realistic LED around the targets

@@ -1,0 +1,108 @@
+// A cheaper, 32-bit form of the LED gamut test (led_gamut.h) that answers
+// only where its answer is certain to be FrameContains' own, and otherwise
+// says "unsure" so that the caller runs FrameContains.
+//
+// Why it is safe. Let A = d11 d02, B = d12 d01, C = d12 d00, D = d02 d01,
+// E = d11 d00, F = d01 d01 be the exact products of the 32-bit dot products
+// (the same floats the full test widens), NU = A - B, NV = C - D,
+// DET = E - F and W = DET - NU - NV. In 64-bit every such product is exact
+// and each difference is rounded once, so the full test's nu, nv and det
+// have the signs of NU, NV and DET, and for DET > 0 its u + v is within a
+// relative 2^-50 of (NU + NV) / DET. Hence, when DET > 0, the full test
+// says "inside" if NU >= 0, NV >= 0 and W >= 2^-45 DET, and "outside" if
+// NU < 0, NV < 0 or W <= -2^-45 DET.
+//
+// Here the same quantities are formed in 32-bit floats. With
+// S = |A| + |B| + |C| + |D| + |E| + |F|, each product is off by at most
+// 2^-24 of itself (plus 2^-150 should it underflow) and each subtraction by
+// 2^-24 of its result, so the 32-bit NU, NV, DET and W are each within
+// 4.1 * 2^-24 S (+ 10 * 2^-150) of the exact values. The tolerance
+// 2^-20 S + 2^-125 exceeds that by more than 2^-45 S >= 2^-45 DET, so a
+// value beyond the tolerance has the sign, and the margin, the full test
+// needs. A tolerance of 2^80 or more (large or infinite inputs), a NaN, or
+// an LED whose DET is not clearly positive leaves the answer unsure.
+#ifndef AIMHUE_SRC_ENGINE_QUICK_GAMUT_H_
+#define AIMHUE_SRC_ENGINE_QUICK_GAMUT_H_
+
+#include <cmath>
+#include <cstdint>
+
+#include "engine/percent_of_target.h"
+
+namespace aimhue {
+
+// The 32-bit quantities of one LED's triangle p0 (red), p1 (green), p2
+// (blue): the edges and dot products exactly as MakeLedFrame forms them
+// before widening.
+struct QuickFrame {
+  float originX;
+  float originY;
+  float e0x;  // p2 - p0
+  float e0y;
+  float e1x;  // p1 - p0
+  float e1y;
+  float d00;
+  float d01;
+  float d11;
+  float det;       // d11 d00 - d01 d01
+  float ledSum;    // d11 d00 + d01 d01, the LED's share of S
+  float weight02;  // d11 + |d01|: |A| + |D| = |d02| weight02
+  float weight12;  // d00 + |d01|: |B| + |C| = |d12| weight12
+  int32_t regular;  // DET certainly positive and nothing overflows
+};
+
+constexpr float kQuickRelative = 0x1p-20f;
+constexpr float kQuickAbsolute = 0x1p-125f;
+constexpr float kQuickLimit = 0x1p80f;
+
+inline QuickFrame MakeQuickFrame(Chromaticity p0, Chromaticity p1, Chromaticity p2) {
+  QuickFrame frame;
+  frame.originX = p0.x;
+  frame.originY = p0.y;
+  frame.e0x = p2.x - p0.x;
+  frame.e0y = p2.y - p0.y;
+  frame.e1x = p1.x - p0.x;
+  frame.e1y = p1.y - p0.y;
+  frame.d00 = frame.e0x * frame.e0x + frame.e0y * frame.e0y;
+  frame.d01 = frame.e0x * frame.e1x + frame.e0y * frame.e1y;
+  frame.d11 = frame.e1x * frame.e1x + frame.e1y * frame.e1y;
+  const float productE = frame.d11 * frame.d00;
+  const float productF = frame.d01 * frame.d01;
+  frame.det = productE - productF;
+  frame.ledSum = productE + productF;
+  const float tolerance = frame.ledSum * kQuickRelative + kQuickAbsolute;
+  frame.regular = static_cast<int32_t>(frame.det > tolerance) &
+                  static_cast<int32_t>(tolerance < kQuickLimit);
+  const float magnitude01 = std::fabs(frame.d01);
+  frame.weight02 = frame.d11 + magnitude01;
+  frame.weight12 = frame.d00 + magnitude01;
+  return frame;
+}
+
+// Whether q lies in the frame's triangle: 1 inside, 0 outside, each
+// certain to agree with FrameContains when `sure` comes back 1; when it
+// comes back 0 the answer means nothing.
+inline int32_t QuickContains(const QuickFrame& frame, Chromaticity q, int32_t& sure) {
+  const float e2x = q.x - frame.originX;
+  const float e2y = q.y - frame.originY;
+  const float d02 = frame.e0x * e2x + frame.e0y * e2y;
+  const float d12 = frame.e1x * e2x + frame.e1y * e2y;
+  const float nu = frame.d11 * d02 - d12 * frame.d01;
+  const float nv = d12 * frame.d00 - d02 * frame.d01;
+  const float w = frame.det - nu - nv;
+  const float sum = std::fabs(d02) * frame.weight02 + std::fabs(d12) * frame.weight12 + frame.ledSum;
+  const float tolerance = sum * kQuickRelative + kQuickAbsolute;
+  // The smallest of nu, nv, w; a NaN in nu or nv reaches w, and w is taken
+  // last so that a NaN survives.
+  const float least = nu < nv ? nu : nv;
+  const float smallest = least < w ? least : w;
+  const int32_t usable = frame.regular & static_cast<int32_t>(tolerance < kQuickLimit);
+  const int32_t inside = static_cast<int32_t>(smallest >= tolerance);
+  const int32_t outside = static_cast<int32_t>(smallest < -tolerance);
+  sure = usable & (inside | outside);
+  return inside;
+}
+
+}  // namespace aimhue
+
+#endif  // AIMHUE_SRC_ENGINE_QUICK_GAMUT_H_
