@@ -12,10 +12,6 @@
 namespace aimhue {
 namespace {
 
-constexpr int kRed = 0;
-constexpr int kGreen = 1;
-constexpr int kBlue = 2;
-
 constexpr uint32_t kTuneAll = 0;
 constexpr uint32_t kTuneEach = 1;
 constexpr float kFineStep = 0.0005f;
@@ -56,12 +52,12 @@ int Aimhue::TuneCoverage(const cv::Mat& mask, const ChromaLxy* red, const Chroma
   if (!IsLineMatrix(lines)) return kOutOfRange;
 
   TuneLine line[3];
-  for (int primary = kRed; primary <= kBlue; ++primary) {
+  for (int primary = kRedTarget; primary <= kBlueTarget; ++primary) {
     line[primary] = {lines.at<float>(primary, 0) * lineSlopeK[primary], lines.at<float>(primary, 1)};
   }
-  const float mR = line[kRed].slope;
-  const float mG = line[kGreen].slope;
-  const float mB = line[kBlue].slope;
+  const float mR = line[kRedTarget].slope;
+  const float mG = line[kGreenTarget].slope;
+  const float mB = line[kBlueTarget].slope;
   // x steps that move 0.01 along the red line and 0.005 along the blue one,
   // and a y step that moves 0.01 along the green line.
   const float dR = std::sqrt(0.0001f / (mR * mR + 1.0f));
@@ -88,40 +84,40 @@ int Aimhue::TuneCoverage(const cv::Mat& mask, const ChromaLxy* red, const Chroma
         return kOk;
       }
       if (error > percentTol) {
-        StepX(target[kRed], line[kRed], kFineStep);
-        StepY(target[kGreen], line[kGreen], kFineStep);
-        StepX(target[kBlue], line[kBlue], -kFineStep);
+        StepX(target[kRedTarget], line[kRedTarget], kFineStep);
+        StepY(target[kGreenTarget], line[kGreenTarget], kFineStep);
+        StepX(target[kBlueTarget], line[kBlueTarget], -kFineStep);
       } else {
-        if (coverage.red < kCoverageFloor) StepX(target[kRed], line[kRed], -dR);
-        if (coverage.green < kCoverageFloor) StepY(target[kGreen], line[kGreen], -dG);
-        if (coverage.blue < kCoverageFloor) StepX(target[kBlue], line[kBlue], dB);
+        if (coverage.red < kCoverageFloor) StepX(target[kRedTarget], line[kRedTarget], -dR);
+        if (coverage.green < kCoverageFloor) StepY(target[kGreenTarget], line[kGreenTarget], -dG);
+        if (coverage.blue < kCoverageFloor) StepX(target[kBlueTarget], line[kBlueTarget], dB);
       }
     }
   } else if (tuneMode == kTuneEach) {
     for (int round = 0; round < maxIter; ++round) {
       const Coverage coverage = measure(mask);
-      const float errorR = coverage.red - wanted[kRed];
-      const float errorG = coverage.green - wanted[kGreen];
-      const float errorB = coverage.blue - wanted[kBlue];
+      const float errorR = coverage.red - wanted[kRedTarget];
+      const float errorG = coverage.green - wanted[kGreenTarget];
+      const float errorB = coverage.blue - wanted[kBlueTarget];
       if (Magnitude(errorR) <= percentTol && Magnitude(errorG) <= percentTol &&
           Magnitude(errorB) <= percentTol) {
         keep(coverage);
         return kOk;
       }
       if (errorR > percentTol) {
-        StepX(target[kRed], line[kRed], kFineStep);
+        StepX(target[kRedTarget], line[kRedTarget], kFineStep);
       } else if (coverage.red < kCoverageFloor) {
-        StepX(target[kRed], line[kRed], -dR);
+        StepX(target[kRedTarget], line[kRedTarget], -dR);
       }
       if (errorG > percentTol) {
-        StepY(target[kGreen], line[kGreen], kFineStep);
+        StepY(target[kGreenTarget], line[kGreenTarget], kFineStep);
       } else if (coverage.green < kCoverageFloor) {
-        StepY(target[kGreen], line[kGreen], -dG);
+        StepY(target[kGreenTarget], line[kGreenTarget], -dG);
       }
       if (errorB > percentTol) {
-        StepX(target[kBlue], line[kBlue], -kFineStep);
+        StepX(target[kBlueTarget], line[kBlueTarget], -kFineStep);
       } else if (coverage.blue < kCoverageFloor) {
-        StepX(target[kBlue], line[kBlue], dB);
+        StepX(target[kBlueTarget], line[kBlueTarget], dB);
       }
     }
   }
@@ -132,12 +128,12 @@ int Aimhue::TuneCoverage(const cv::Mat& mask, const ChromaLxy* red, const Chroma
 }
 
 void Aimhue::BuildTuneLines(const TargetBlock& targets, cv::Mat& lines) const {
-  const double xr = targets[kRed].x;
-  const double yr = targets[kRed].y;
-  const double xg = targets[kGreen].x;
-  const double yg = targets[kGreen].y;
-  const double xb = targets[kBlue].x;
-  const double yb = targets[kBlue].y;
+  const double xr = targets[kRedTarget].x;
+  const double yr = targets[kRedTarget].y;
+  const double xg = targets[kGreenTarget].x;
+  const double yg = targets[kGreenTarget].y;
+  const double xb = targets[kBlueTarget].x;
+  const double yb = targets[kBlueTarget].y;
 
   const double a = std::sqrt((xg - xb) * (xg - xb) + (yg - yb) * (yg - yb));
   const double b = std::sqrt((xb - xr) * (xb - xr) + (yb - yr) * (yb - yr));
@@ -154,7 +150,7 @@ void Aimhue::BuildTuneLines(const TargetBlock& targets, cv::Mat& lines) const {
   const double py = uy + (a * c * (xb - xr) + a * b * (xr - xg) + b * c * (xg - xb)) / twiceD;
 
   lines.create(3, 2, CV_32F);
-  for (int primary = kRed; primary <= kBlue; ++primary) {
+  for (int primary = kRedTarget; primary <= kBlueTarget; ++primary) {
     const double x = targets[primary].x;
     const double y = targets[primary].y;
     const double slope = (py - y) / (px - x);

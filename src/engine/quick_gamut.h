@@ -27,27 +27,19 @@
 #include <cmath>
 #include <cstdint>
 
+#include "engine/led_gamut.h"
 #include "engine/percent_of_target.h"
 
 namespace aimhue {
 
-// The 32-bit quantities of one LED's triangle p0 (red), p1 (green), p2
-// (blue): the edges and dot products exactly as MakeLedFrame forms them
-// before widening.
+// The quick test's view of one LED: its 32-bit edges and the LED's parts
+// of the quantities above.
 struct QuickFrame {
-  float originX;
-  float originY;
-  float e0x;  // p2 - p0
-  float e0y;
-  float e1x;  // p1 - p0
-  float e1y;
-  float d00;
-  float d01;
-  float d11;
-  float det;       // d11 d00 - d01 d01
-  float ledSum;    // d11 d00 + d01 d01, the LED's share of S
-  float weight02;  // d11 + |d01|: |A| + |D| = |d02| weight02
-  float weight12;  // d00 + |d01|: |B| + |C| = |d12| weight12
+  LedEdges edges;
+  float det;        // d11 d00 - d01 d01
+  float ledSum;     // d11 d00 + d01 d01, the LED's share of S
+  float weight02;   // d11 + |d01|: |A| + |D| = |d02| weight02
+  float weight12;   // d00 + |d01|: |B| + |C| = |d12| weight12
   int32_t regular;  // DET certainly positive and nothing overflows
 };
 
@@ -57,25 +49,18 @@ constexpr float kQuickLimit = 0x1p80f;
 
 inline QuickFrame MakeQuickFrame(Chromaticity p0, Chromaticity p1, Chromaticity p2) {
   QuickFrame frame;
-  frame.originX = p0.x;
-  frame.originY = p0.y;
-  frame.e0x = p2.x - p0.x;
-  frame.e0y = p2.y - p0.y;
-  frame.e1x = p1.x - p0.x;
-  frame.e1y = p1.y - p0.y;
-  frame.d00 = frame.e0x * frame.e0x + frame.e0y * frame.e0y;
-  frame.d01 = frame.e0x * frame.e1x + frame.e0y * frame.e1y;
-  frame.d11 = frame.e1x * frame.e1x + frame.e1y * frame.e1y;
-  const float productE = frame.d11 * frame.d00;
-  const float productF = frame.d01 * frame.d01;
+  frame.edges = MakeLedEdges(p0, p1, p2);
+  const LedEdges& e = frame.edges;
+  const float productE = e.d11 * e.d00;
+  const float productF = e.d01 * e.d01;
   frame.det = productE - productF;
   frame.ledSum = productE + productF;
   const float tolerance = frame.ledSum * kQuickRelative + kQuickAbsolute;
   frame.regular = static_cast<int32_t>(frame.det > tolerance) &
                   static_cast<int32_t>(tolerance < kQuickLimit);
-  const float magnitude01 = std::fabs(frame.d01);
-  frame.weight02 = frame.d11 + magnitude01;
-  frame.weight12 = frame.d00 + magnitude01;
+  const float magnitude01 = std::fabs(e.d01);
+  frame.weight02 = e.d11 + magnitude01;
+  frame.weight12 = e.d00 + magnitude01;
   return frame;
 }
 
@@ -83,14 +68,13 @@ inline QuickFrame MakeQuickFrame(Chromaticity p0, Chromaticity p1, Chromaticity 
 // certain to agree with FrameContains when `sure` comes back 1; when it
 // comes back 0 the answer means nothing.
 inline int32_t QuickContains(const QuickFrame& frame, Chromaticity q, int32_t& sure) {
-  const float e2x = q.x - frame.originX;
-  const float e2y = q.y - frame.originY;
-  const float d02 = frame.e0x * e2x + frame.e0y * e2y;
-  const float d12 = frame.e1x * e2x + frame.e1y * e2y;
-  const float nu = frame.d11 * d02 - d12 * frame.d01;
-  const float nv = d12 * frame.d00 - d02 * frame.d01;
+  const LedEdges& e = frame.edges;
+  const TargetDots dots = MakeTargetDots(e, q);
+  const float nu = e.d11 * dots.d02 - dots.d12 * e.d01;
+  const float nv = dots.d12 * e.d00 - dots.d02 * e.d01;
   const float w = frame.det - nu - nv;
-  const float sum = std::fabs(d02) * frame.weight02 + std::fabs(d12) * frame.weight12 + frame.ledSum;
+  const float sum =
+      std::fabs(dots.d02) * frame.weight02 + std::fabs(dots.d12) * frame.weight12 + frame.ledSum;
   const float tolerance = sum * kQuickRelative + kQuickAbsolute;
   // The smallest of nu, nv, w; a NaN in nu or nv reaches w, and w is taken
   // last so that a NaN survives.

@@ -12,11 +12,6 @@
 namespace aimhue {
 namespace {
 
-constexpr int kRed = 0;
-constexpr int kGreen = 1;
-constexpr int kBlue = 2;
-constexpr int kWhite = 3;
-
 // A primary's tristimulus values. A primary without positive luminance
 // contributes nothing: X = Y = Z = 0.
 struct Tristimulus {
@@ -43,17 +38,17 @@ int Aimhue::CalcWhite(float scale, const TargetLxy* white, bool uncapped) {
   if (scale > 1.0f || 0.0f >= scale) return kOutOfRange;
   if (white == nullptr) return kNullInput;
 
-  target[kBlue].L *= scale;
-  target[kGreen].L *= scale;
-  target[kRed].L *= scale;
-  const float luminanceSum = target[kGreen].L + target[kRed].L + target[kBlue].L;
+  target[kBlueTarget].L *= scale;
+  target[kGreenTarget].L *= scale;
+  target[kRedTarget].L *= scale;
+  const float luminanceSum = target[kGreenTarget].L + target[kRedTarget].L + target[kBlueTarget].L;
   const float wx = white->x;
   const float wy = white->y;
 
   // Columns red, green, blue. Row 0 keeps the summed luminance; rows 1 and
   // 2 force the mixture's x and y onto the wanted white.
   cv::Mat system(3, 3, CV_64F);
-  for (int primary = kRed; primary <= kBlue; ++primary) {
+  for (int primary = kRedTarget; primary <= kBlueTarget; ++primary) {
     const Tristimulus t = ToTristimulus(target[primary]);
     const float sum = t.Y + t.X + t.Z;
     const float a = sum * wx - t.X;
@@ -68,24 +63,24 @@ int Aimhue::CalcWhite(float scale, const TargetLxy* white, bool uncapped) {
   cv::Mat inverse;
   cv::invert(system, inverse, cv::DECOMP_LU);
   const cv::Mat gains = inverse * rightHand;
-  std::array<double, 3> gain = {gains.at<double>(kRed), gains.at<double>(kGreen),
-                                gains.at<double>(kBlue)};
+  std::array<double, 3> gain = {gains.at<double>(kRedTarget), gains.at<double>(kGreenTarget),
+                                gains.at<double>(kBlueTarget)};
 
   if (!uncapped) {
-    double largest = gain[kRed];
-    if (gain[kGreen] > largest) largest = gain[kGreen];
-    if (gain[kBlue] > largest) largest = gain[kBlue];
+    double largest = gain[kRedTarget];
+    if (gain[kGreenTarget] > largest) largest = gain[kGreenTarget];
+    if (gain[kBlueTarget] > largest) largest = gain[kBlueTarget];
     const double cap = static_cast<double>(whiteScale);
     const double factor = largest > cap ? cap / largest : 1.0;
     for (double& g : gain) g *= factor;
   }
 
-  for (int primary = kRed; primary <= kBlue; ++primary) {
+  for (int primary = kRedTarget; primary <= kBlueTarget; ++primary) {
     target[primary].L = static_cast<float>(static_cast<double>(target[primary].L) * gain[primary]);
   }
-  target[kWhite].L = target[kGreen].L + target[kRed].L + target[kBlue].L;
-  target[kWhite].x = wx;
-  target[kWhite].y = wy;
+  target[kWhiteTarget].L = target[kGreenTarget].L + target[kRedTarget].L + target[kBlueTarget].L;
+  target[kWhiteTarget].x = wx;
+  target[kWhiteTarget].y = wy;
   return kOk;
 }
 
