@@ -5,22 +5,27 @@
 // Why it is safe. Let A = d11 d02, B = d12 d01, C = d12 d00, D = d02 d01,
 // E = d11 d00, F = d01 d01 be the exact products of the 32-bit dot products
 // (the same floats the full test widens), NU = A - B, NV = C - D,
-// DET = E - F and W = DET - NU - NV. In 64-bit every such product is exact
+// DET = E - F and W = DET - NU - NV. In 64-bit each such product is exact
 // and each difference is rounded once, so the full test's nu, nv and det
-// have the signs of NU, NV and DET, and for DET > 0 its u + v is within a
-// relative 2^-50 of (NU + NV) / DET. Hence, when DET > 0, the full test
-// says "inside" if NU >= 0, NV >= 0 and W >= 2^-45 DET, and "outside" if
-// NU < 0, NV < 0 or W <= -2^-45 DET.
+// carry the signs of NU, NV and DET. For finite inputs with DET > 0 its
+// weight factor 1 / det is finite and positive, and no weight underflows
+// to zero (a non-zero product above is at least 2^-298 in size, a
+// determinant at most 2^257), so u and v carry the signs of NU and NV; and
+// when both are non-negative, u + v is within a relative 2^-50 of
+// (NU + NV) / DET. Hence, when DET > 0, the full test says "inside" if
+// NU >= 0, NV >= 0 and W >= 2^-45 DET, and "outside" if NU < 0, NV < 0 or
+// W <= -2^-45 DET.
 //
 // Here the same quantities are formed in 32-bit floats. With
 // S = |A| + |B| + |C| + |D| + |E| + |F|, each product is off by at most
 // 2^-24 of itself (plus 2^-150 should it underflow) and each subtraction by
 // 2^-24 of its result, so the 32-bit NU, NV, DET and W are each within
 // 4.1 * 2^-24 S (+ 10 * 2^-150) of the exact values. The tolerance
-// 2^-20 S + 2^-125 exceeds that by more than 2^-45 S >= 2^-45 DET, so a
-// value beyond the tolerance has the sign, and the margin, the full test
-// needs. A tolerance of 2^80 or more (large or infinite inputs), a NaN, or
-// an LED whose DET is not clearly positive leaves the answer unsure.
+// 2^-20 S + 2^-125 (formed with S rounded a few times, still far above
+// that) exceeds the error by more than 2^-45 S >= 2^-45 DET, so a value
+// beyond the tolerance has the sign, and the margin, the full test needs.
+// A tolerance of 2^80 or more (large or infinite inputs), a NaN, or an LED
+// whose DET is not clearly positive leaves the answer unsure.
 #ifndef AIMHUE_SRC_ENGINE_QUICK_GAMUT_H_
 #define AIMHUE_SRC_ENGINE_QUICK_GAMUT_H_
 
