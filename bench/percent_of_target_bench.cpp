@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <map>
 #include <memory>
 #include <string>

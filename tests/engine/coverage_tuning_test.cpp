@@ -163,36 +163,6 @@ TEST(BuildTuneLines, RightIsoscelesTriangleGivesLinesThroughItsIncentre) {
   EXPECT_NEAR(lines.at<float>(2, 1), 0.125, 1e-7);  // 0.25 - 1 * 0.5 * 0.25
 }
 
-TEST(BuildTuneLines, EquilateralTriangleGivesLinesThroughItsCentroid) {
-  // Green is red turned by 60 degrees about blue; with k = 1 every line
-  // passes through the centroid, where all the triangle's centres meet.
-  Aimhue engine;
-  engine.lineSlopeK = {1.0f, 1.0f, 1.0f};
-  const double pi = std::acos(-1.0);
-  const double bx = 0.15;
-  const double by = 0.06;
-  const double dx = 0.64 - bx;
-  const double dy = 0.33 - by;
-  const double gx = bx + dx * std::cos(pi / 3) - dy * std::sin(pi / 3);
-  const double gy = by + dx * std::sin(pi / 3) + dy * std::cos(pi / 3);
-  const TargetBlock targets = {{{1, 0.64f, 0.33f},
-                                {1, static_cast<float>(gx), static_cast<float>(gy)},
-                                {1, 0.15f, 0.06f},
-                                {}}};
-  cv::Mat lines;
-  engine.BuildTuneLines(targets, lines);
-  double cx = 0.0;
-  double cy = 0.0;
-  for (int primary = 0; primary < 3; ++primary) {
-    cx += targets[primary].x / 3.0;
-    cy += targets[primary].y / 3.0;
-  }
-  for (int primary = 0; primary < 3; ++primary) {
-    const double y = lines.at<float>(primary, 0) * cx + lines.at<float>(primary, 1);
-    EXPECT_NEAR(y, cy, 1e-5) << primary;
-  }
-}
-
 TEST(BuildTuneLines, CollinearTargetsStoreNonFiniteLines) {
   Aimhue engine;
   const TargetBlock targets = {{{1, 0.5f, 0.5f}, {1, 0.25f, 0.25f}, {1, 0.125f, 0.125f}, {}}};
