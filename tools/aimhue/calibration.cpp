@@ -2,11 +2,11 @@
 #include "calibration.h"
 
 #include <aimhue/api.h>
-#include <aimhue/status.h>
 
 #include <cmath>
 
 #include "command_error.h"
+#include "coverage_count.h"
 #include "engine_handle.h"
 
 namespace aimhue {
@@ -148,19 +148,8 @@ CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
     const float rescaled = before_white[p].L * settings.scale;
     report.gains[p] = report.targets[p].L / rescaled;
   }
-  Timed(timings, "coverage", [&] {
-    float targets[12];
-    for (int i = 0; i < 4; ++i) {
-      targets[3 * i] = report.targets[i].L;
-      targets[3 * i + 1] = report.targets[i].x;
-      targets[3 * i + 2] = report.targets[i].y;
-    }
-    float coverage[4] = {};
-    CheckStatus(AimhueCalcPercentOfTarget(red.get(), green.get(), blue.get(), targets, coverage,
-                                          nullptr, 3),
-                "the coverage count failed");
-    report.coverage = Coverage{coverage[0], coverage[1], coverage[2], coverage[3]};
-  });
+  Timed(timings, "coverage",
+        [&] { report.coverage = CountCoverage(meters, report.targets, cv::Mat()); });
   Timed(timings, "NG limit", [&] {
     CheckStatus(AimhueCalcPercentNG(handle.get(), red.get(), green.get(), blue.get(), 3),
                 "the NG limit calculation failed");
@@ -177,12 +166,8 @@ CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
   report.ngLimit = image.ngLimit;
   if (!result_file.empty()) {
     Timed(timings, "save", [&] {
-      const int status = AimhueSave(handle.get(), result_file.c_str());
-      if (status != 0) {
-        throw CommandError(kExitOutput, "cannot save the results '" + result_file +
-                                            "': status " + std::to_string(status) + " (" +
-                                            StatusText(status) + ")");
-      }
+      CheckStatus(AimhueSave(handle.get(), result_file.c_str()),
+                  "cannot save the results '" + result_file + "'", kExitOutput);
     });
   }
   return report;

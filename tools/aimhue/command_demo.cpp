@@ -22,12 +22,7 @@ struct DemoOptions {
 };
 
 int RunDemo(const DemoOptions& options) {
-  const auto size = ParseScreenSize(options.size);
-  if (!size) {
-    throw CommandError(kExitUsage, "--size: expected WIDTHxHEIGHT with at most " +
-                                       std::to_string(kMaxScreenLeds) + " LEDs, got '" +
-                                       options.size + "'");
-  }
+  const ScreenSize size = RequireScreenSize(options.size);
   const CalibrationSettings settings = ParseCalibrationSettings(options.calibration);
   MakeDirectory(options.out);
   const std::filesystem::path folder(options.out);
@@ -39,14 +34,14 @@ int RunDemo(const DemoOptions& options) {
   Meters meters;
   Timed(generation, "generate screen", [&] {
     synthetic::ScreenOptions screen;
-    screen.cols = size->cols;
-    screen.rows = size->rows;
+    screen.cols = size.cols;
+    screen.rows = size.rows;
     screen.seed = options.seed;
     meters = synthetic::GenerateMeters(screen);
   });
   CalibrationReport report = Calibrate(meters, settings, result_file);
-  report.source = "synthetic screen " + std::to_string(size->cols) + " x " +
-                  std::to_string(size->rows) + ", seed " + std::to_string(options.seed);
+  report.source = "synthetic screen " + std::to_string(size.cols) + " x " +
+                  std::to_string(size.rows) + ", seed " + std::to_string(options.seed);
   report.timings.insert(report.timings.begin(), generation.begin(), generation.end());
   Timed(report.timings, "gamut plot", [&] { WriteGamutPlot(plot_file, meters, report); });
   report.outputs = {result_file, json_file, plot_file};

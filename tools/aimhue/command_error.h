@@ -28,9 +28,9 @@ class CommandError : public std::runtime_error {
   int exit_status_;
 };
 
-// Throws CommandError(kExitLibrary) with "<what>: status <n> (<meaning>)"
+// Throws CommandError(exit_status) with "<what>: status <n> (<meaning>)"
 // unless `status` is 0.
-void CheckStatus(int status, const std::string& what);
+void CheckStatus(int status, const std::string& what, int exit_status = kExitLibrary);
 
 }  // namespace tool
 }  // namespace aimhue

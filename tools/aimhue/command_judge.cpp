@@ -8,6 +8,7 @@
 
 #include "command_error.h"
 #include "commands.h"
+#include "coverage_count.h"
 #include "engine_handle.h"
 #include "output_files.h"
 
@@ -22,36 +23,6 @@ struct JudgeOptions {
   std::string json;
 };
 
-Coverage CountCoverage(const Meters& meters, const TargetBlock& block, const cv::Mat& mask) {
-  float targets[12];
-  for (int i = 0; i < 4; ++i) {
-    targets[3 * i] = block[i].L;
-    targets[3 * i + 1] = block[i].x;
-    targets[3 * i + 2] = block[i].y;
-  }
-  AimhueImage descriptor{};
-  const AimhueImage* mask_pointer = nullptr;
-  if (!mask.empty()) {
-    if (mask.total() * mask.elemSize() > UINT32_MAX) {
-      throw CommandError(kExitLibrary, "the mask image is too large");
-    }
-    descriptor.rows = mask.rows;
-    descriptor.cols = mask.cols;
-    descriptor.type = mask.type();
-    descriptor.size = static_cast<uint32_t>(mask.total() * mask.elemSize());
-    descriptor.data = mask.data;
-    mask_pointer = &descriptor;
-  }
-  float coverage[4] = {};
-  const MeterTriple red = Triple(meters, 0);
-  const MeterTriple green = Triple(meters, 1);
-  const MeterTriple blue = Triple(meters, 2);
-  CheckStatus(AimhueCalcPercentOfTarget(red.get(), green.get(), blue.get(), targets, coverage,
-                                        mask_pointer, 3),
-              "the coverage count refused the meters or the mask");
-  return Coverage{coverage[0], coverage[1], coverage[2], coverage[3]};
-}
-
 cv::Mat ReadMask(const std::string& file) {
   cv::Mat mask;
   try {
@@ -60,7 +31,6 @@ cv::Mat ReadMask(const std::string& file) {
     mask = cv::Mat();
   }
   if (mask.empty()) throw CommandError(kExitLibrary, "cannot read the mask image '" + file + "'");
-  if (!mask.isContinuous()) mask = mask.clone();
   return mask;
 }
 

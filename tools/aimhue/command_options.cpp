@@ -35,6 +35,16 @@ void AddMeterFileOptions(CLI::App& command, MeterFileOptions& options) {
   }
 }
 
+ScreenSize RequireScreenSize(const std::string& text) {
+  const auto size = ParseScreenSize(text);
+  if (!size) {
+    throw CommandError(kExitUsage, "--size: expected WIDTHxHEIGHT with at most " +
+                                       std::to_string(kMaxScreenLeds) + " LEDs, got '" + text +
+                                       "'");
+  }
+  return *size;
+}
+
 void MakeDirectory(const std::string& directory) {
   std::error_code error;
   std::filesystem::create_directories(directory, error);

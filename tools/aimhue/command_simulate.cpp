@@ -1,8 +1,6 @@
 // aimhue simulate: write the meter files of a synthetic screen.
 #include <synthetic/synthetic_screen.h>
 
-#include <aimhue/status.h>
-
 #include <iostream>
 #include <memory>
 
@@ -22,31 +20,22 @@ struct SimulateOptions {
 };
 
 int RunSimulate(const SimulateOptions& options) {
-  const auto size = ParseScreenSize(options.size);
-  if (!size) {
-    throw CommandError(kExitUsage, "--size: expected WIDTHxHEIGHT with at most " +
-                                       std::to_string(kMaxScreenLeds) + " LEDs, got '" +
-                                       options.size + "'");
-  }
-  const int64_t leds = static_cast<int64_t>(size->cols) * size->rows;
+  const ScreenSize size = RequireScreenSize(options.size);
+  const int64_t leds = static_cast<int64_t>(size.cols) * size.rows;
   if (options.dead < 0 || options.dead > leds || options.outliers < 0 || options.outliers > leds) {
     throw CommandError(kExitUsage, "--dead and --outliers must lie between 0 and the number of"
                                    " LEDs");
   }
   MakeDirectory(options.out);
   synthetic::ScreenOptions screen;
-  screen.cols = size->cols;
-  screen.rows = size->rows;
+  screen.cols = size.cols;
+  screen.rows = size.rows;
   screen.seed = options.seed;
   screen.deadCount = options.dead;
   screen.outlierCount = options.outliers;
   const synthetic::ScreenMeters meters = synthetic::GenerateMeters(screen);
-  const int status = synthetic::WriteMeterFiles(meters, options.out);
-  if (status != 0) {
-    throw CommandError(kExitOutput, "cannot write the meter files into '" + options.out +
-                                        "': status " + std::to_string(status) + " (" +
-                                        StatusText(status) + ")");
-  }
+  CheckStatus(synthetic::WriteMeterFiles(meters, options.out),
+              "cannot write the meter files into '" + options.out + "'", kExitOutput);
   for (int p = 0; p < 3; ++p) {
     for (int c = 0; c < 3; ++c) {
       std::cout << synthetic::MeterFilePath(options.out, p, c) << "\n";

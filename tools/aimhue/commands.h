@@ -32,6 +32,10 @@ void AddMeterFileOptions(CLI::App& command, MeterFileOptions& options);
 // The help footer's paragraph on the AIMHUE_LOG environment variable.
 extern const char* const kEnvironmentHelp;
 
+// The screen size of a --size option; CommandError (exit status 2) when it
+// is malformed or larger than kMaxScreenLeds.
+ScreenSize RequireScreenSize(const std::string& text);
+
 // Creates `directory` and its parents when missing; CommandError (exit
 // status 4) when that fails.
 void MakeDirectory(const std::string& directory);

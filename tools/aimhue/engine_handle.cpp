@@ -10,10 +10,10 @@
 namespace aimhue {
 namespace tool {
 
-void CheckStatus(int status, const std::string& what) {
+void CheckStatus(int status, const std::string& what, int exit_status) {
   if (status == kOk) return;
-  throw CommandError(kExitLibrary, what + ": status " + std::to_string(status) + " (" +
-                                       StatusText(status) + ")");
+  throw CommandError(exit_status, what + ": status " + std::to_string(status) + " (" +
+                                      StatusText(status) + ")");
 }
 
 Handle CreateHandle() {
