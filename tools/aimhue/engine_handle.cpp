@@ -1,20 +1,12 @@
 // Engine handles of the tool.
 #include "engine_handle.h"
 
-#include <aimhue/status.h>
-
 #include <vector>
 
 #include "command_error.h"
 
 namespace aimhue {
 namespace tool {
-
-void CheckStatus(int status, const std::string& what, int exit_status) {
-  if (status == kOk) return;
-  throw CommandError(exit_status, what + ": status " + std::to_string(status) + " (" +
-                                      StatusText(status) + ")");
-}
 
 Handle CreateHandle() {
   AimhueHandle raw = nullptr;
