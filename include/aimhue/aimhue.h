@@ -7,6 +7,7 @@
 #include <aimhue/api.h>
 #include <aimhue/export.h>
 #include <aimhue/plume_log.h>
+#include <aimhue/shot.h>
 #include <aimhue/status.h>
 #include <aimhue/target.h>
 #include <aimhue/version.h>

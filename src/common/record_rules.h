@@ -1,0 +1,35 @@
+// Rules shared by the records that carry descriptive sub-records (LedMeter,
+// Shot): the partition validity test and the create-or-overwrite store.
+#ifndef AIMHUE_SRC_COMMON_RECORD_RULES_H_
+#define AIMHUE_SRC_COMMON_RECORD_RULES_H_
+
+#include <aimhue/records.h>
+
+#include <cstdint>
+#include <memory>
+
+namespace aimhue {
+
+// True when the screen is positive and the rectangle x, y, w, h (w, h > 0)
+// lies inside it. The far edges are computed in 64 bits so that a huge
+// width cannot wrap round into the screen.
+inline bool PartitionFitsScreen(const Partition& value) {
+  return value.screen_w > 0 && value.screen_h > 0 && value.w > 0 && value.h > 0 &&
+         value.x >= 0 && value.x < value.screen_w && value.y >= 0 && value.y < value.screen_h &&
+         static_cast<int64_t>(value.x) + value.w - 1 < value.screen_w &&
+         static_cast<int64_t>(value.y) + value.h - 1 < value.screen_h;
+}
+
+// Copies `value` into `*slot`, creating the record on first use.
+template <typename Record>
+void StoreRecord(std::unique_ptr<Record>& slot, const Record& value) {
+  if (slot == nullptr) {
+    slot = std::make_unique<Record>(value);
+  } else {
+    *slot = value;
+  }
+}
+
+}  // namespace aimhue
+
+#endif  // AIMHUE_SRC_COMMON_RECORD_RULES_H_
