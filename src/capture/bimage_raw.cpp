@@ -34,7 +34,9 @@ cv::Mat BImage::ReadOrvoRaw(const std::string& fullname, int rows, int cols) {
   file.seekg(0);
   // The bytes are read straight into the matrix's memory and each row is
   // then turned into samples in place: sample c of a row reads bytes 2c and
-  // 2c+1 of the same row only, so no separate buffer is needed.
+  // 2c+1 of the same row only, so no separate buffer is needed. On a
+  // little-endian host the conversion is the identity and the compiler may
+  // reduce it to nothing.
   cv::Mat result(rows, cols, CV_16UC1);
   file.read(reinterpret_cast<char*>(result.data), expected);
   if (file.gcount() != expected) {
@@ -45,12 +47,12 @@ cv::Mat BImage::ReadOrvoRaw(const std::string& fullname, int rows, int cols) {
   omp_set_num_threads(std::max(1, omp_get_num_procs() - 1));
 #pragma omp parallel for schedule(static)
   for (int r = 0; r < rows; ++r) {
-    const uint8_t* bytes = result.ptr<uint8_t>(r);
     uint16_t* samples = result.ptr<uint16_t>(r);
+    const uint8_t* bytes = reinterpret_cast<const uint8_t*>(samples);
     for (int c = 0; c < cols; ++c) {
-      const uint16_t low = bytes[2 * c];
-      const uint16_t high = bytes[2 * c + 1];
-      samples[c] = static_cast<uint16_t>(low + 256 * high);
+      const unsigned low = bytes[2 * c];
+      const unsigned high = bytes[2 * c + 1];
+      samples[c] = static_cast<uint16_t>(low | high << 8);
     }
   }
   return result;
