@@ -3,17 +3,14 @@
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
 
+#include "common/empty_plane.h"
+
 namespace aimhue {
 namespace {
 
 bool IsSingleChannelType(uint32_t type) {
   return type == CIE_X || type == CIE_Y || type == CIE_Z || type == CAM_R || type == CAM_G ||
          type == CAM_B;
-}
-
-// Empty: no data, no dimension or no element.
-bool ImageIsEmpty(const cv::Mat& image) {
-  return image.data == nullptr || image.dims == 0 || image.total() == 0;
 }
 
 }  // namespace
@@ -27,7 +24,7 @@ int Shot::Check(uint32_t flags, const Shot* shot) {
     PlumeLogError("Shot::Check--Error in Shot input is nullptr");
     return kNullInput;
   }
-  if ((flags & kShotCheckImageNotEmpty) && ImageIsEmpty(shot->image)) {
+  if ((flags & kShotCheckImageNotEmpty) && IsEmptyPlane(shot->image)) {
     PlumeLogError("Shot::Check--Error shot.image is empty");
     return kNullInput;
   }
