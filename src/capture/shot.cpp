@@ -7,22 +7,10 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "capture/shot_types.h"
 #include "common/record_rules.h"
 
 namespace aimhue {
-namespace {
-
-bool IsSingleChannelType(uint32_t type) {
-  return type == CIE_X || type == CIE_Y || type == CIE_Z || type == CAM_R || type == CAM_G ||
-         type == CAM_B;
-}
-
-// The number of indices i in [0, extent) with i mod interval == loc.
-int32_t LitCount(int32_t extent, int32_t interval, int32_t loc) {
-  return extent / interval + (loc < extent % interval ? 1 : 0);
-}
-
-}  // namespace
 
 void Shot::ClearMeta() {
   part.reset();
@@ -70,8 +58,8 @@ int Shot::SetPattern(const Pattern& value) {
   StoreRecord(pattern, value);
   if (part == nullptr) return kOk;
 
-  const int32_t lit_w = LitCount(part->w, value.interval_x, value.loc_x);
-  const int32_t lit_h = LitCount(part->h, value.interval_y, value.loc_y);
+  const int32_t lit_w = LitLedCount(part->w, value.interval_x, value.loc_x);
+  const int32_t lit_h = LitLedCount(part->h, value.interval_y, value.loc_y);
   if (value.lighted_led_w >= 1 && value.lighted_led_h >= 1) {
     if (value.lighted_led_w == lit_w && value.lighted_led_h == lit_h) return kOk;
     // The pattern stays stored as given: the caller learns of the mismatch

@@ -3,17 +3,10 @@
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
 
+#include "capture/shot_types.h"
 #include "common/empty_plane.h"
 
 namespace aimhue {
-namespace {
-
-bool IsSingleChannelType(uint32_t type) {
-  return type == CIE_X || type == CIE_Y || type == CIE_Z || type == CAM_R || type == CAM_G ||
-         type == CAM_B;
-}
-
-}  // namespace
 
 int Shot::Check(uint32_t flags, const Shot* shot) {
   constexpr uint32_t kSingleTests = kShotCheckNotNull | kShotCheckImageNotEmpty |

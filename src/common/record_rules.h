@@ -1,5 +1,6 @@
 // Rules shared by the records that carry descriptive sub-records (LedMeter,
-// Shot): the partition validity test and the create-or-overwrite store.
+// Shot): the partition validity test, the lit-LED count of a pattern and the
+// create-or-overwrite store.
 #ifndef AIMHUE_SRC_COMMON_RECORD_RULES_H_
 #define AIMHUE_SRC_COMMON_RECORD_RULES_H_
 
@@ -18,6 +19,12 @@ inline bool PartitionFitsScreen(const Partition& value) {
          value.x >= 0 && value.x < value.screen_w && value.y >= 0 && value.y < value.screen_h &&
          static_cast<int64_t>(value.x) + value.w - 1 < value.screen_w &&
          static_cast<int64_t>(value.y) + value.h - 1 < value.screen_h;
+}
+
+// The number of indices i in [0, extent) with i mod interval == loc: the
+// lit LEDs of a pattern along one side of a partition. interval >= 1.
+inline int32_t LitLedCount(int32_t extent, int32_t interval, int32_t loc) {
+  return extent / interval + (loc < extent % interval ? 1 : 0);
 }
 
 // Copies `value` into `*slot`, creating the record on first use.

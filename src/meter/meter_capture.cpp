@@ -5,17 +5,14 @@
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
 
+#include "common/record_rules.h"
+
 namespace aimhue {
 namespace {
 
 // The shot tests asked of every capture: present, single-channel type,
 // colour and pattern known. The top bit names no test.
 constexpr uint32_t kCaptureShotChecks = 0x01010105;
-
-// The number of indices i in [0, extent) with i mod interval == loc.
-int LitCount(int extent, int interval, int loc) {
-  return extent / interval + (loc < extent % interval ? 1 : 0);
-}
 
 bool SetIsEmpty(const LedSet& set) { return set.state.empty() || set.data.empty(); }
 
@@ -70,7 +67,7 @@ int LedMeter::CheckInput(const Shot* shot, const LedSet* pos_set, const LedSet* 
   }
   // Every given set must hold exactly the LEDs that this cell lights inside
   // the partition, so that the scatter of Add stays inside the planes.
-  const cv::Size lit(LitCount(part.w, map_cols, cell_x), LitCount(part.h, map_rows, cell_y));
+  const cv::Size lit(LitLedCount(part.w, map_cols, cell_x), LitLedCount(part.h, map_rows, cell_y));
   bool lit_ok = (pos_set == nullptr || pos_set->data.size() == lit) &&
                 (value_set == nullptr || value_set->data.size() == lit);
   if (pos_set != nullptr && value_set != nullptr) {
