@@ -68,7 +68,20 @@ struct Aimhue {
   // Target search.
   int Search(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue);
 
-  // Persistence of the results (169-byte image).
+  // Persistence of the results as a 169-byte image ('L', version 1,
+  // percentCalcChroma, ngLimit, target, searchEnd, searchStart), the same in
+  // ".aimhue" files and buffers. percentEnd, ngThresh and the tuning block
+  // are not stored and keep their values across a load.
+  // Save: 8 for a name not ending in ".aimhue" (nothing created), 4 when the
+  // file cannot be opened for writing.
+  // Load / FromBuffer: 8 and 2 (file only); 1 for a null buffer; 9 for a
+  // negative buffer size; 10 when the first byte is not 'L'; 3 when the
+  // version is not 1, and also when fewer than 169 bytes are there
+  // ("<method> -- Error data in file."). Every refusal leaves the record
+  // unchanged; bytes after the image are ignored.
+  // ToBuffer: 1 for a null buffer or size; 13 when *size < 169, with the
+  // buffer and *size untouched; otherwise writes 169 bytes and sets *size.
+  // GetBufferSize: 1 for a null size; otherwise 169.
   int Save(const std::string& fullname) const;
   int Load(const std::string& fullname);
   int ToBuffer(char* buffer, uint64_t* size) const;
