@@ -4,8 +4,8 @@
 #include <aimhue/plume_log.h>
 
 #include <cstdio>
-#include <fstream>
 
+#include "capture/file_format.h"
 #include "capture/image_decoders.h"
 
 namespace aimhue {
@@ -139,35 +139,27 @@ cv::Mat DecodeDng(const uint8_t* data, size_t size, DngStripOffset layout, const
   return result;
 }
 
-bool ReadFileBytes(const std::string& fullname, std::vector<uint8_t>& bytes) {
-  std::ifstream file(fullname, std::ios::binary | std::ios::ate);
-  if (!file.is_open()) return false;
-  const std::streamoff end = file.tellg();
-  if (end < 0) return false;
-  bytes.resize(static_cast<size_t>(end));
-  file.seekg(0);
-  file.read(reinterpret_cast<char*>(bytes.data()), end);
-  return file.gcount() == end;
-}
+namespace {
 
-cv::Mat BImage::ReadRggbDng(const std::string& fullname) {
-  std::vector<uint8_t> bytes;
-  if (!ReadFileBytes(fullname, bytes)) {
-    PlumeLogError("BImage::ReadRggbDng -- Failed to Open file. fullname = %s", fullname.c_str());
+// Both readers parse the whole file from memory.
+cv::Mat ReadDngFile(const std::string& fullname, DngStripOffset layout, const char* reader) {
+  std::string bytes;
+  if (!ReadWholeFile(fullname, bytes)) {
+    LogOpenFailure(reader, fullname);
     return cv::Mat();
   }
-  return DecodeDng(bytes.data(), bytes.size(), DngStripOffset::kArray, "BImage::ReadRggbDng",
+  return DecodeDng(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), layout, reader,
                    fullname);
+}
+
+}  // namespace
+
+cv::Mat BImage::ReadRggbDng(const std::string& fullname) {
+  return ReadDngFile(fullname, DngStripOffset::kArray, "BImage::ReadRggbDng");
 }
 
 cv::Mat BImage::ReadDngToup(const std::string& fullname) {
-  std::vector<uint8_t> bytes;
-  if (!ReadFileBytes(fullname, bytes)) {
-    PlumeLogError("BImage::ReadDngToup -- Failed to Open file. fullname = %s", fullname.c_str());
-    return cv::Mat();
-  }
-  return DecodeDng(bytes.data(), bytes.size(), DngStripOffset::kDirect, "BImage::ReadDngToup",
-                   fullname);
+  return ReadDngFile(fullname, DngStripOffset::kDirect, "BImage::ReadDngToup");
 }
 
 }  // namespace aimhue

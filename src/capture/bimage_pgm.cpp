@@ -5,6 +5,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "capture/file_format.h"
 #include "capture/image_decoders.h"
 
 namespace aimhue {
@@ -65,12 +66,12 @@ bool DecodePgm(const uint8_t* data, size_t size, cv::Mat& image) {
 }
 
 bool BImage::ReadPgm(const std::string& fullname, cv::Mat& image) {
-  std::vector<uint8_t> bytes;
-  if (!ReadFileBytes(fullname, bytes)) {
+  std::string bytes;
+  if (!ReadWholeFile(fullname, bytes)) {
     std::cout << "Open file failure, fullname = " << fullname << std::endl;
     return false;
   }
-  return DecodePgm(bytes.data(), bytes.size(), image);
+  return DecodePgm(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), image);
 }
 
 }  // namespace aimhue

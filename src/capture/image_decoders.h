@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include <opencv2/core.hpp>
 
@@ -26,9 +25,6 @@ cv::Mat DecodeDng(const uint8_t* data, size_t size, DngStripOffset layout, const
 // Decodes a 16-bit binary PGM held in `data` into `image`; false (image
 // untouched) on failure, after one line on standard error.
 bool DecodePgm(const uint8_t* data, size_t size, cv::Mat& image);
-
-// Reads a whole file in binary mode; false when it cannot be opened or read.
-bool ReadFileBytes(const std::string& fullname, std::vector<uint8_t>& bytes);
 
 }  // namespace aimhue
 

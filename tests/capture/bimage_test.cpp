@@ -11,15 +11,17 @@
 #include <opencv2/imgproc.hpp>
 
 #include "support/log_capture.h"
-#include "support/scratch_dir.h"
+#include "support/temp_dir.h"
 
 namespace aimhue {
 namespace {
 
 using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ScratchDir;
+using ::aimhue::testing::TempDir;
 using Bytes = std::vector<uint8_t>;
 using Lines = std::vector<std::string>;
+
+std::string Text(const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); }
 
 const char kNotDngLine[] = "        Error :: file not dng image \n";
 
@@ -36,7 +38,7 @@ cv::Mat TiffPattern(int rows, int cols) {
 }
 
 // Writes a TIFF with tifffile; rows_per_strip 0 gives one strip.
-std::string WriteTiff(const ScratchDir& dir, const std::string& name, int rows, int cols,
+std::string WriteTiff(const TempDir& dir, const std::string& name, int rows, int cols,
                       const std::string& order, int rows_per_strip) {
   const std::string fullname = dir.Path(name);
   const std::string command = std::string(AIMHUE_PYTHON) + " " + AIMHUE_TEST_SCRIPTS_DIR +
@@ -81,18 +83,18 @@ Bytes MakeDng(const char order[2], uint32_t width, uint32_t length, uint32_t str
 }
 
 TEST(RawReader, ExactSizeIsReadLowByteFirst) {
-  ScratchDir dir;
+  TempDir dir;
   const Bytes bytes = {0x01, 0x02, 0xff, 0x00, 0x00, 0xff, 0x34, 0x12, 0x00, 0x00, 0xcd, 0xab};
-  const cv::Mat image = BImage::ReadOrvoRaw(dir.Write("a.raw", bytes), 2, 3);
+  const cv::Mat image = BImage::ReadOrvoRaw(dir.Write("a.raw", Text(bytes)), 2, 3);
   const cv::Mat expected = (cv::Mat_<uint16_t>(2, 3) << 0x0201, 0x00ff, 0xff00, 0x1234, 0, 0xabcd);
   EXPECT_TRUE(SameImage(image, expected));
 }
 
 TEST(RawReader, SizeOffByOneIsRefusedAndTheShotReportsIt) {
   LogCapture log;
-  ScratchDir dir;
-  const std::string short_file = dir.Write("short.raw", Bytes(11));
-  const std::string long_file = dir.Write("long.raw", Bytes(13));
+  TempDir dir;
+  const std::string short_file = dir.Write("short.raw", Text(Bytes(11)));
+  const std::string long_file = dir.Write("long.raw", Text(Bytes(13)));
   EXPECT_TRUE(BImage::ReadOrvoRaw(short_file, 2, 3).empty());
   EXPECT_TRUE(BImage::ReadOrvoRaw(long_file, 2, 3).empty());
   EXPECT_TRUE(BImage::ReadOrvoRaw(short_file, -2, -3).empty());
@@ -110,10 +112,10 @@ TEST(RawReader, SizeOffByOneIsRefusedAndTheShotReportsIt) {
 }
 
 TEST(RawReader, ShotFromRawSingleOrDemosaiced) {
-  ScratchDir dir;
+  TempDir dir;
   Bytes bytes(4 * 6 * 2);
   for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 7);
-  const std::string file = dir.Write("a.raw", bytes);
+  const std::string file = dir.Write("a.raw", Text(bytes));
   Shot single;
   ASSERT_EQ(single.CreateFromRaw(file, CIE_Y, 6, 4, 0), kOk);
   EXPECT_EQ(single.image.size(), cv::Size(6, 4));
@@ -126,11 +128,11 @@ TEST(RawReader, ShotFromRawSingleOrDemosaiced) {
 
 TEST(RawReader, CameraTypesGiveTheirGeometry) {
   LogCapture log;
-  ScratchDir dir;
+  TempDir dir;
   Shot shot;
   EXPECT_EQ(shot.CreateFromRaw(dir.Path("never-opened.raw"), 5, CAM_G), kUnknownCameraType);
   EXPECT_EQ(log.Errors(), Lines{"Shot::CreateFromRaw -- Error CameraType"});
-  const std::string file = dir.Write("cam.raw", Bytes(24123000, 0x11));
+  const std::string file = dir.Write("cam.raw", Text(Bytes(24123000, 0x11)));
   ASSERT_EQ(shot.CreateFromRaw(file, 120016, CAM_G), kOk);
   EXPECT_EQ(shot.image.rows, 2838);
   EXPECT_EQ(shot.image.cols, 4250);
@@ -142,7 +144,7 @@ TEST(RawReader, CameraTypesGiveTheirGeometry) {
 }
 
 TEST(DngReader, IndependentlyWrittenTiffsReadPixelForPixel) {
-  ScratchDir dir;
+  TempDir dir;
   const cv::Mat expected = TiffPattern(7, 5);
   cv::Mat flipped;
   cv::flip(expected, flipped, 0);
@@ -157,7 +159,7 @@ TEST(DngReader, IndependentlyWrittenTiffsReadPixelForPixel) {
 }
 
 TEST(DngReader, ShotsFromTiffs) {
-  ScratchDir dir;
+  TempDir dir;
   const std::string strips = WriteTiff(dir, "strips.tif", 6, 8, "le", 3);
   Shot shot;
   ASSERT_EQ(shot.ReadDng(strips, CAM_G, 0), kOk);
@@ -171,27 +173,27 @@ TEST(DngReader, ShotsFromTiffs) {
 }
 
 TEST(DngReader, OwnShapeSamplesFollowTheByteOrderOnly) {
-  ScratchDir dir;
+  TempDir dir;
   // Toup: data position 46 directly; 2 x 2 samples 1, 2 / 3, 4 come back flipped.
   Bytes toup = MakeDng("II", 2, 2, 46);
   for (uint16_t v : {1, 2, 3, 4}) PutU16(toup, toup.size(), v);
-  EXPECT_TRUE(SameImage(BImage::ReadDngToup(dir.Write("toup.dng", toup)),
+  EXPECT_TRUE(SameImage(BImage::ReadDngToup(dir.Write("toup.dng", Text(toup))),
                         (cv::Mat_<uint16_t>(2, 2) << 3, 4, 1, 2)));
   // "MM" with a little-endian header: the samples alone are big-endian.
   Bytes rggb = MakeDng("MM", 3, 1, 46);
   PutU32(rggb, 46, 50);
   rggb.insert(rggb.end(), {0x01, 0x02, 0x00, 0xff, 0xab, 0xcd});
-  EXPECT_TRUE(SameImage(BImage::ReadRggbDng(dir.Write("mm.dng", rggb)),
+  EXPECT_TRUE(SameImage(BImage::ReadRggbDng(dir.Write("mm.dng", Text(rggb))),
                         (cv::Mat_<uint16_t>(1, 3) << 0x0102, 0x00ff, 0xabcd)));
 }
 
 TEST(DngReader, WrongMagicWritesTheLineOnStandardOutput) {
   LogCapture log;
-  ScratchDir dir;
+  TempDir dir;
   Bytes bytes = MakeDng("II", 1, 1, 46);
   PutU16(bytes, 2, 43);
   PutU16(bytes, 46, 7);
-  const std::string file = dir.Write("magic.dng", bytes);
+  const std::string file = dir.Write("magic.dng", Text(bytes));
   ::testing::internal::CaptureStdout();
   const cv::Mat image = BImage::ReadRggbDng(file);
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), kNotDngLine);
@@ -206,11 +208,11 @@ TEST(DngReader, WrongMagicWritesTheLineOnStandardOutput) {
 }
 
 TEST(DngReader, DamagedFilesAreRefusedWithoutReadingOutside) {
-  ScratchDir dir;
+  TempDir dir;
   Bytes good = MakeDng("II", 2, 2, 46);
   PutU32(good, 46, 50);
   for (uint16_t v : {1, 2, 3, 4}) PutU16(good, good.size(), v);
-  ASSERT_FALSE(BImage::ReadRggbDng(dir.Write("good.dng", good)).empty());
+  ASSERT_FALSE(BImage::ReadRggbDng(dir.Write("good.dng", Text(good))).empty());
 
   std::vector<std::pair<std::string, Bytes>> damaged;
   damaged.emplace_back("pixels-short", Bytes(good.begin(), good.end() - 1));
@@ -237,7 +239,7 @@ TEST(DngReader, DamagedFilesAreRefusedWithoutReadingOutside) {
   damaged.emplace_back("header-only", Bytes(good.begin(), good.begin() + 5));
   for (const auto& [name, bytes] : damaged) {
     LogCapture log;
-    const std::string file = dir.Write(name + ".dng", bytes);
+    const std::string file = dir.Write(name + ".dng", Text(bytes));
     ::testing::internal::CaptureStdout();
     const bool refused = BImage::ReadRggbDng(file).empty();
     ::testing::internal::GetCapturedStdout();
@@ -246,12 +248,12 @@ TEST(DngReader, DamagedFilesAreRefusedWithoutReadingOutside) {
   // The direct data position of ReadDngToup: past the end, or short data.
   Bytes toup = MakeDng("II", 2, 2, 0xfffffff0u);
   toup.resize(54);
-  EXPECT_TRUE(BImage::ReadDngToup(dir.Write("toup-past-end.dng", toup)).empty());
+  EXPECT_TRUE(BImage::ReadDngToup(dir.Write("toup-past-end.dng", Text(toup))).empty());
   PutU32(toup, 42, 46);
   toup.resize(53);
-  EXPECT_TRUE(BImage::ReadDngToup(dir.Write("toup-short.dng", toup)).empty());
+  EXPECT_TRUE(BImage::ReadDngToup(dir.Write("toup-short.dng", Text(toup))).empty());
   toup.resize(54);
-  EXPECT_FALSE(BImage::ReadDngToup(dir.Write("toup-whole.dng", toup)).empty());
+  EXPECT_FALSE(BImage::ReadDngToup(dir.Write("toup-whole.dng", Text(toup))).empty());
 
   LogCapture log;
   EXPECT_TRUE(BImage::ReadDngToup(dir.Path("missing.dng")).empty());
@@ -260,7 +262,7 @@ TEST(DngReader, DamagedFilesAreRefusedWithoutReadingOutside) {
 }
 
 TEST(PgmReader, OpenCvWrittenPgmReadsBack) {
-  ScratchDir dir;
+  TempDir dir;
   cv::Mat expected(5, 7, CV_16UC1);
   cv::randu(expected, 0, 65536);
   const std::string file = dir.Path("a.pgm");
@@ -271,19 +273,18 @@ TEST(PgmReader, OpenCvWrittenPgmReadsBack) {
 }
 
 TEST(PgmReader, BadFilesLeaveTheImageAndSayWhy) {
-  ScratchDir dir;
-  const auto bytes = [](const std::string& text) { return Bytes(text.begin(), text.end()); };
+  TempDir dir;
   const cv::Mat original(1, 1, CV_16UC1, cv::Scalar(77));
   struct Case {
     std::string name;
-    Bytes content;
+    std::string content;
     std::string message;
-  } cases[] = {{"blank.pgm", bytes("P5 \n1 1\n65535\n\x01\x02"), "Version error\n"},
-               {"p2.pgm", bytes("P2\n1 1\n65535\n1\n"), "Version error\n"},
-               {"comment.pgm", bytes("P5\n# made here\n1 1\n65535\n\x01\x02"), "Header error\n"},
-               {"negative.pgm", bytes("P5\n-1 1\n65535\n\x01\x02"), "Header error\n"},
-               {"short.pgm", bytes("P5\n2 1\n65535\n\x01\x02\x03"), "Size error\n"},
-               {"huge.pgm", bytes("P5\n2147483647 2147483647\n65535\n\x01\x02"), "Size error\n"}};
+  } cases[] = {{"blank.pgm", "P5 \n1 1\n65535\n\x01\x02", "Version error\n"},
+               {"p2.pgm", "P2\n1 1\n65535\n1\n", "Version error\n"},
+               {"comment.pgm", "P5\n# made here\n1 1\n65535\n\x01\x02", "Header error\n"},
+               {"negative.pgm", "P5\n-1 1\n65535\n\x01\x02", "Header error\n"},
+               {"short.pgm", "P5\n2 1\n65535\n\x01\x02\x03", "Size error\n"},
+               {"huge.pgm", "P5\n2147483647 2147483647\n65535\n\x01\x02", "Size error\n"}};
   for (const Case& item : cases) {
     cv::Mat image = original;
     ::testing::internal::CaptureStderr();

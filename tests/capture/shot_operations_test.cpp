@@ -9,13 +9,13 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include "support/log_capture.h"
-#include "support/scratch_dir.h"
+#include "support/temp_dir.h"
 
 namespace aimhue {
 namespace {
 
 using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ScratchDir;
+using ::aimhue::testing::TempDir;
 using Lines = std::vector<std::string>;
 
 bool SameImage(const cv::Mat& a, const cv::Mat& b) {
@@ -190,7 +190,7 @@ TEST(ShotCopy, DeepCopyThroughTheSetters) {
 }
 
 TEST(ShotExport, TwelveBitGreyMapsFullScaleTo255) {
-  ScratchDir dir;
+  TempDir dir;
   Shot shot;
   shot.SetImageSingle((cv::Mat_<uint16_t>(1, 4) << 4095, 2048, 0, 65535), CAM_G);
   Device device{};
@@ -209,7 +209,7 @@ TEST(ShotExport, TwelveBitGreyMapsFullScaleTo255) {
 }
 
 TEST(ShotExport, ColourPictureLightsTheChannelsOfTheColourCode) {
-  ScratchDir dir;
+  TempDir dir;
   Shot shot;
   shot.SetImageSingle(cv::Mat(2, 2, CV_16UC1, cv::Scalar(1000)), CAM_R);
   shot.SetColor(4);  // bit 2: the writer's third channel, red
@@ -235,7 +235,7 @@ TEST(ShotExport, ColourPictureLightsTheChannelsOfTheColourCode) {
 
 TEST(ShotExport, RefusedWrites) {
   LogCapture log;
-  ScratchDir dir;
+  TempDir dir;
   Shot shot;
   EXPECT_EQ(shot.ExportGrayImage(dir.Path("a.png")), kEmptyInput);
   EXPECT_EQ(shot.ExportColorImage(dir.Path("a.png")), kEmptyInput);

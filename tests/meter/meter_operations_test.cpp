@@ -11,13 +11,13 @@
 #include <opencv2/imgproc.hpp>
 
 #include "support/log_capture.h"
-#include "support/scratch_dir.h"
+#include "support/temp_dir.h"
 
 namespace aimhue {
 namespace {
 
 using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ScratchDir;
+using ::aimhue::testing::TempDir;
 using Lines = std::vector<std::string>;
 
 // One capture of cell (cx, cy) of a 2 x 2 grid over a 5 x 4 partition.
@@ -266,7 +266,7 @@ TEST(MeterCopy, DeepCopyThroughTheSetters) {
 }
 
 TEST(MeterExport, GreyChromaAndPointPictures) {
-  ScratchDir dir;
+  TempDir dir;
   LogCapture log;
   LedMeter meter;
   meter.chroma = (cv::Mat_<float>(2, 2) << 1, 2, 4, -8);
