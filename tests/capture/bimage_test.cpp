@@ -111,21 +111,6 @@ TEST(RawReader, SizeOffByOneIsRefusedAndTheShotReportsIt) {
   EXPECT_TRUE(shot.image.empty());
 }
 
-TEST(RawReader, ShotFromRawSingleOrDemosaiced) {
-  TempDir dir;
-  Bytes bytes(4 * 6 * 2);
-  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 7);
-  const std::string file = dir.Write("a.raw", Text(bytes));
-  Shot single;
-  ASSERT_EQ(single.CreateFromRaw(file, CIE_Y, 6, 4, 0), kOk);
-  EXPECT_EQ(single.image.size(), cv::Size(6, 4));
-  EXPECT_EQ(single.type, CIE_Y);
-  Shot colour;
-  ASSERT_EQ(colour.CreateFromRaw(file, CAM_RGB, 6, 4, cv::COLOR_BayerRG2BGR), kOk);
-  EXPECT_EQ(colour.image.type(), CV_16UC3);
-  EXPECT_EQ(single.device, nullptr);  // no metadata is set
-}
-
 TEST(RawReader, CameraTypesGiveTheirGeometry) {
   LogCapture log;
   TempDir dir;
@@ -156,20 +141,6 @@ TEST(DngReader, IndependentlyWrittenTiffsReadPixelForPixel) {
     const std::string single = WriteTiff(dir, order + "-single.tif", 7, 5, order, 0);
     EXPECT_TRUE(SameImage(BImage::ReadDngToup(single), flipped)) << order;
   }
-}
-
-TEST(DngReader, ShotsFromTiffs) {
-  TempDir dir;
-  const std::string strips = WriteTiff(dir, "strips.tif", 6, 8, "le", 3);
-  Shot shot;
-  ASSERT_EQ(shot.ReadDng(strips, CAM_G, 0), kOk);
-  EXPECT_TRUE(SameImage(shot.image, TiffPattern(6, 8)));
-  ASSERT_EQ(shot.ReadDng(strips, CAM_RGB, cv::COLOR_BayerRG2BGR), kOk);
-  EXPECT_EQ(shot.image.type(), CV_16UC3);
-  const std::string single = WriteTiff(dir, "single.tif", 6, 8, "be", 0);
-  ASSERT_EQ(shot.ReadDngToupTek(single, CIE_Z), kOk);
-  EXPECT_EQ(shot.type, CIE_Z);
-  EXPECT_EQ(shot.image.at<uint16_t>(5, 0), TiffPattern(6, 8).at<uint16_t>(0, 0));
 }
 
 TEST(DngReader, OwnShapeSamplesFollowTheByteOrderOnly) {

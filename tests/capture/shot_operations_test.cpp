@@ -32,17 +32,6 @@ Shot RgbShot(int rows, int cols) {
   return shot;
 }
 
-TEST(ShotConvert, IdentityGivesTheChannelAsFloat) {
-  Shot shot = RgbShot(3, 4);
-  const cv::Mat original = shot.image.clone();
-  ASSERT_EQ(shot.ConvertColorSpace(CIE_Y, cv::Mat::eye(3, 3, CV_32F)), kOk);
-  cv::Mat expected;
-  cv::extractChannel(original, expected, 1);
-  expected.convertTo(expected, CV_32F);
-  EXPECT_TRUE(SameImage(shot.image, expected));
-  EXPECT_EQ(shot.type, CIE_Y);
-}
-
 TEST(ShotConvert, EveryPixelIsTheMatrixTimesItsColour) {
   Shot shot = RgbShot(5, 7);
   const cv::Mat original = shot.image.clone();
@@ -168,25 +157,6 @@ TEST(ShotBackground, SubtractsAndClipsAtZero) {
   EXPECT_EQ(log.Errors(), (Lines{"SHOT::RemoveBackground -- Error data mismatch",
                                  "SHOT::RemoveBackground -- Error empty data"}));
   EXPECT_EQ(shot.image.data, kept.data);
-}
-
-TEST(ShotCopy, DeepCopyThroughTheSetters) {
-  Shot shot = RgbShot(2, 2);
-  shot.SetPartition(Partition{0, 0, 4, 4, 4, 4});
-  shot.SetPattern(Pattern{1, 2, 2, 0, 0, -1, -1});
-  shot.SetColor(1);
-  // A pattern that the destination's setter refuses is not copied.
-  shot.pattern->interval_x = 0;
-  Shot copy;
-  copy.SetLayer(Layer{1, 1.0f, 1});
-  shot.CopyTo(&copy);
-  EXPECT_EQ(copy.layer, nullptr);
-  EXPECT_EQ(copy.pattern, nullptr);
-  EXPECT_EQ(copy.part->w, 4);
-  EXPECT_EQ(*copy.color, 1);
-  EXPECT_EQ(copy.type, CAM_RGB);
-  EXPECT_TRUE(SameImage(copy.image, shot.image));
-  EXPECT_NE(copy.image.data, shot.image.data);
 }
 
 TEST(ShotExport, TwelveBitGreyMapsFullScaleTo255) {

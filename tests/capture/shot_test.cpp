@@ -31,16 +31,6 @@ TEST(ShotSetters, PartitionMustLieInsideThePositiveScreen) {
   EXPECT_EQ(shot.part->w, 8);
 }
 
-TEST(ShotSetters, RefusedPanelAllocatesNothing) {
-  LogCapture log;
-  Shot shot;
-  EXPECT_EQ(shot.SetLedPanel(LedPanel{1, 2, 3, 0, 4, 1.5f}), kBadLedPanel);
-  EXPECT_EQ(shot.panel, nullptr);
-  EXPECT_EQ(log.Errors(), Lines{"Shot::SetLedPanel--Error :: invalid panel_wh"});
-  EXPECT_EQ(shot.SetLedPanel(LedPanel{1, 2, 3, 1, 1, 1.5f}), kOk);
-  EXPECT_EQ(log.Infos(), (Lines{"Shot::SetLedPanel", "Shot::SetLedPanel"}));
-}
-
 TEST(ShotSetters, PatternCountsLitLedsOfThePartition) {
   LogCapture log;
   Shot shot;
@@ -71,41 +61,6 @@ TEST(ShotSetters, PatternCountsLitLedsOfThePartition) {
     EXPECT_EQ(log.Errors(), Lines{"Shot::SetPattern--Error :: invalid pattern_type pattern_loc_xy"});
     EXPECT_EQ(shot.pattern->type, 8);
   }
-}
-
-TEST(ShotSetters, DeviceTextsAreCopiedWhole) {
-  Shot shot;
-  Device device{};
-  std::memset(device.id, 'a', sizeof(device.id) - 1);
-  std::strcpy(device.lens_id, "lens");
-  device.cam_type = 320012;
-  EXPECT_EQ(shot.SetDevice(device), kOk);
-  EXPECT_EQ(std::memcmp(shot.device.get(), &device, sizeof(Device)), 0);
-  EXPECT_EQ(shot.SetColor(4), kOk);
-  EXPECT_EQ(*shot.color, 4);
-  shot.ClearMeta();
-  EXPECT_EQ(shot.device, nullptr);
-  EXPECT_EQ(shot.color, nullptr);
-}
-
-TEST(ShotImage, SingleChannelSetterCopiesDeeplyAndChecksTypes) {
-  LogCapture log;
-  Shot shot;
-  cv::Mat image(2, 3, CV_16UC1, cv::Scalar(9));
-  EXPECT_EQ(shot.SetImageSingle(image, CAM_G), kOk);
-  image.setTo(1);
-  EXPECT_EQ(shot.image.at<uint16_t>(1, 2), 9);
-  EXPECT_EQ(shot.type, CAM_G);
-
-  EXPECT_EQ(shot.SetImageSingle(image, CAM_RGB), kUnsupportedCaptureType);
-  EXPECT_EQ(shot.SetImageSingle(cv::Mat(2, 3, CV_8UC1), CIE_Y), kBadImageDataType);
-  EXPECT_EQ(log.Errors(),
-            (Lines{"Shot::SetImageSingle--Error :: in_cie_type!= CIE_Y && in_cie_type != CIE_X && "
-                   "in_cie_type != CIE_Z&&in_cie_type != CAM_R && in_cie_type != CAM_G && "
-                   "in_cie_type != CAM_B",
-                   "Shot::SetImageSingle--Error :: data and type mismatch"}));
-  EXPECT_EQ(shot.type, CAM_G);
-  EXPECT_EQ(shot.image.at<uint16_t>(0, 0), 9);
 }
 
 TEST(ShotImage, ColourSetterRefusesInOrderAndLeavesTheShot) {
@@ -200,21 +155,7 @@ TEST(ShotCheck, PairFormChecksSecondThenFirstThenThePair) {
   EXPECT_EQ(Shot::Check(0x33, &a, &b), kOk);
 }
 
-TEST(ShotInfo, WithoutMetadataOnlyTheImageLines) {
-  LogCapture log;
-  Shot shot;
-  shot.SetImageSingle(cv::Mat(2, 3, CV_16UC1, cv::Scalar(0)), CAM_B);
-  log.Clear();
-  shot.Info();
-  EXPECT_EQ(log.Infos(), Lines{"Shot::Info"});
-  EXPECT_EQ(log.Debugs(), (Lines{"    type                   = 0x40",
-                                 "    image.type(cv)         = 2",
-                                 "    image.depth(cv)        = 2",
-                                 "    image.channels(cv)     = 1",
-                                 "    image.wh(cv)           = [3 2]"}));
-}
-
-TEST(ShotInfo, EveryGroupInItsOrder) {
+TEST(ShotInfo, PresentGroupsInTheirOrderThenTheImage) {
   Shot shot;
   shot.SetPartition(Partition{1, 2, 3, 4, 10, 20});
   shot.SetLedPanel(LedPanel{5, 6, 7, 8, 9, 1.25f});
@@ -261,6 +202,14 @@ TEST(ShotInfo, EveryGroupInItsOrder) {
                                  "    image.depth(cv)        = 5",
                                  "    image.channels(cv)     = 3",
                                  "    image.wh(cv)           = [5 2]"}));
+
+  // Without metadata only the type and image lines remain.
+  shot.ClearMeta();
+  log.Clear();
+  shot.Info();
+  EXPECT_EQ(log.Infos(), Lines{"Shot::Info"});
+  EXPECT_EQ(log.Debugs().size(), 5u);
+  EXPECT_EQ(log.Debugs()[0], "    type                   = 0x7");
 }
 
 }  // namespace

@@ -235,36 +235,6 @@ TEST(MeterFixDeadPoint, DeadLedsTakeTheMedianOthersStay) {
   EXPECT_EQ(healthy.chroma.at<float>(0, 1), 100.0f);
 }
 
-TEST(MeterMerge, CopiesUnderTheMaskOnly) {
-  LogCapture log;
-  LedMeter meter;
-  LedMeter source;
-  meter.chroma = (cv::Mat_<float>(1, 3) << 1, 2, 3);
-  source.chroma = (cv::Mat_<float>(1, 3) << 7, 8, 9);
-  ASSERT_EQ(meter.MergeChroma(source, (cv::Mat_<uint8_t>(1, 3) << 0, 5, 0)), kOk);
-  EXPECT_EQ(cv::norm(meter.chroma, cv::Mat((cv::Mat_<float>(1, 3) << 1, 8, 3)), cv::NORM_INF), 0.0);
-  EXPECT_EQ(meter.MergeChroma(source, cv::Mat()), kEmptyInput);
-  EXPECT_EQ(meter.MergeChroma(source, cv::Mat::ones(1, 2, CV_8UC1)), kOutOfRange);
-  EXPECT_EQ(log.Errors(), (Lines{"LedMeter::MergeChroma--Error :: input empty",
-                                 "LedMeter::MergeChroma--Error :: input size mismatch"}));
-}
-
-TEST(MeterCopy, DeepCopyThroughTheSetters) {
-  LedMeter meter;
-  meter.SetPartition(Partition{0, 0, 2, 1, 2, 1});
-  meter.type = CIE_X;
-  meter.color = 1;
-  meter.chroma = (cv::Mat_<float>(1, 2) << 1, 2);
-  LedMeter copy;
-  copy.SetLayer(Layer{1, 1.0f, 1});
-  ASSERT_EQ(meter.CopyTo(copy), kOk);
-  EXPECT_EQ(copy.layer, nullptr);
-  EXPECT_EQ(copy.partition->w, 2);
-  EXPECT_EQ(copy.type, static_cast<uint32_t>(CIE_X));
-  EXPECT_NE(copy.chroma.data, meter.chroma.data);
-  EXPECT_EQ(cv::norm(copy.chroma, meter.chroma, cv::NORM_INF), 0.0);
-}
-
 TEST(MeterExport, GreyChromaAndPointPictures) {
   TempDir dir;
   LogCapture log;
