@@ -167,8 +167,17 @@ class AIMHUE_EXPORT LedMeter {
   // Copies src's chroma where `mask` is non-zero: 5 for empty inputs, 9 when
   // the sizes (or chroma types) differ.
   int MergeChroma(const LedMeter& src, const cv::Mat& mask);
+  // Loads the `count` meter files and saves to `out_fullname` a meter that
+  // is the first file with its chroma replaced by the element-wise mean of
+  // all chroma planes. 471 when count < 1 or the number of names differs;
+  // 1 for an empty name; a load's or the save's own status; 9 when a file's
+  // colour, type or chroma size and type differ from the first's. Nothing
+  // is written when a step fails.
   static int MeterMean(std::vector<std::string> fullnames, int count,
                        const std::string& out_fullname);
+  // Deep copy into dst: dst's records are released and given again through
+  // its setters; type, colour, state, pos and chroma are copied (add_map is
+  // left as it was).
   int CopyTo(LedMeter& dst) const;
 
   // Writes an 8-bit grey picture of `chroma` (largest magnitude -> 255) with

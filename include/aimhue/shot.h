@@ -116,12 +116,19 @@ class AIMHUE_EXPORT Shot {
   // description, one line each at debug level.
   void Info() const;
 
-  // The ".shot" file and buffer format. Save and ToBuffer store the image
-  // converted to CV_16U (rounded and saturated). GetBufferSize gives 5 for an
-  // empty image; ToBuffer gives 1 for null pointers and 13 when *size is too
-  // small, leaving the buffer and *size untouched. Load and FromBuffer do not
-  // clear the shot first: sub-records missing from the stream keep their
-  // values; they give 8 (name), 2 (open), 10 (mark) or 3 (version).
+  // The ".shot" file and buffer format: 'L', version 1, type, the image as a
+  // matrix block, the present sub-records as tagged records, an end tag.
+  // Save and ToBuffer store the image converted to CV_16U (rounded and
+  // saturated), so float planes lose fractions and negative values. Save
+  // gives 8 for a name not ending in ".shot" and 4 when the file cannot be
+  // opened. GetBufferSize gives 5 (without a message) for an empty image;
+  // ToBuffer writes an empty image all the same, gives 1 for null pointers
+  // and 13 when *size is too small, leaving the buffer and *size untouched.
+  // Load and FromBuffer give 8 (name), 2 (open), 10 (mark), 3 (version), or
+  // 3 with "... -- Error data in file." when the content ends before its end
+  // tag or its image block is damaged; a refused content leaves the shot
+  // unchanged. They do not clear the shot first: sub-records missing from
+  // the content keep their values, and no setter rule runs on loaded ones.
   int Save(const std::string& fullname) const;
   int Load(const std::string& fullname);
   int GetBufferSize(size_t* size) const;
