@@ -11,6 +11,7 @@
 namespace aimhue {
 namespace {
 
+constexpr bool kHostIsLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
 constexpr int kRows120016 = 2838;
 constexpr int kCols120016 = 4250;
 constexpr int kRows320012 = 4852;
@@ -34,9 +35,7 @@ cv::Mat BImage::ReadOrvoRaw(const std::string& fullname, int rows, int cols) {
   file.seekg(0);
   // The bytes are read straight into the matrix's memory and each row is
   // then turned into samples in place: sample c of a row reads bytes 2c and
-  // 2c+1 of the same row only, so no separate buffer is needed. On a
-  // little-endian host the conversion is the identity and the compiler may
-  // reduce it to nothing.
+  // 2c+1 of the same row only, so no separate buffer is needed.
   cv::Mat result(rows, cols, CV_16UC1);
   file.read(reinterpret_cast<char*>(result.data), expected);
   if (file.gcount() != expected) {
@@ -47,12 +46,16 @@ cv::Mat BImage::ReadOrvoRaw(const std::string& fullname, int rows, int cols) {
   omp_set_num_threads(std::max(1, omp_get_num_procs() - 1));
 #pragma omp parallel for schedule(static)
   for (int r = 0; r < rows; ++r) {
-    uint16_t* samples = result.ptr<uint16_t>(r);
-    const uint8_t* bytes = reinterpret_cast<const uint8_t*>(samples);
-    for (int c = 0; c < cols; ++c) {
-      const unsigned low = bytes[2 * c];
-      const unsigned high = bytes[2 * c + 1];
-      samples[c] = static_cast<uint16_t>(low | high << 8);
+    // Sample = low byte + 256 * high byte. On a little-endian host (which the
+    // library's formats require) the bytes as read already are the samples.
+    if constexpr (!kHostIsLittleEndian) {
+      uint16_t* samples = result.ptr<uint16_t>(r);
+      const uint8_t* bytes = reinterpret_cast<const uint8_t*>(samples);
+      for (int c = 0; c < cols; ++c) {
+        const unsigned low = bytes[2 * c];
+        const unsigned high = bytes[2 * c + 1];
+        samples[c] = static_cast<uint16_t>(low | high << 8);
+      }
     }
   }
   return result;
