@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "capture/byte_stream.h"
+#include "capture/file_format.h"
 
 namespace aimhue {
 
@@ -128,6 +129,21 @@ void ApplyRecord(const std::optional<Record>& loaded, std::unique_ptr<Record>& s
   } else {
     *slot = *loaded;
   }
+}
+
+// Reads tagged records until the end tag. `read_payload(tag)` reads the
+// payload of a tag it knows and returns false when the payload is cut
+// short; for any other tag it reads nothing and returns true (unknown tags
+// carry no payload). False when the data ends before the end tag. Every
+// pass consumes four bytes, so the loop ends with the data.
+template <typename ReadPayload>
+bool ReadTaggedRecords(ByteReader& in, ReadPayload&& read_payload) {
+  uint32_t tag = 0;
+  while (in.ReadU32(tag)) {
+    if (tag == kEndTag) return true;
+    if (!read_payload(tag)) return false;
+  }
+  return false;
 }
 
 }  // namespace aimhue

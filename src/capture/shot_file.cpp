@@ -64,40 +64,26 @@ std::string Serialize(const Shot& shot) {
 // the image block is damaged.
 bool ReadBody(ByteReader& in, ShotContent& content) {
   if (!in.ReadU32(content.type) || !ReadMatrixBlock(in, content.image)) return false;
-  // Every pass consumes four bytes, so the loop ends with the data.
-  uint32_t tag = 0;
-  while (in.ReadU32(tag)) {
-    bool read = true;
+  return ReadTaggedRecords(in, [&](uint32_t tag) {
     switch (tag) {
-      case kEndTag:
-        return true;
       case kTagDevice:
-        read = ReadInto(in, content.device);
-        break;
+        return ReadInto(in, content.device);
       case kTagCapture:
-        read = ReadInto(in, content.capture);
-        break;
+        return ReadInto(in, content.capture);
       case kTagPartition:
-        read = ReadInto(in, content.part);
-        break;
+        return ReadInto(in, content.part);
       case kTagLedPanel:
-        read = ReadInto(in, content.panel);
-        break;
+        return ReadInto(in, content.panel);
       case kTagLayer:
-        read = ReadInto(in, content.layer);
-        break;
+        return ReadInto(in, content.layer);
       case kTagPattern:
-        read = ReadInto(in, content.pattern);
-        break;
+        return ReadInto(in, content.pattern);
       case kTagColor:
-        read = ReadInto(in, content.color);
-        break;
+        return ReadInto(in, content.color);
       default:
-        break;  // an unknown tag carries no payload
+        return true;  // an unknown tag carries no payload
     }
-    if (!read) return false;
-  }
-  return false;  // no end tag before the end of the data
+  });
 }
 
 // Loaded records replace the shot's; records the content lacks keep their

@@ -85,31 +85,20 @@ bool ReadBody(ByteReader& in, MeterContent& content) {
       !HasType(content.chroma, CV_32FC1)) {
     return false;
   }
-  // Every pass consumes four bytes, so the loop ends with the data.
-  uint32_t tag = 0;
-  while (in.ReadU32(tag)) {
-    bool read = true;
+  return ReadTaggedRecords(in, [&](uint32_t tag) {
     switch (tag) {
-      case kEndTag:
-        return true;
       case kTagPartition:
-        read = ReadInto(in, content.partition);
-        break;
+        return ReadInto(in, content.partition);
       case kTagLedPanel:
-        read = ReadInto(in, content.led_panel);
-        break;
+        return ReadInto(in, content.led_panel);
       case kTagLayer:
-        read = ReadInto(in, content.layer);
-        break;
+        return ReadInto(in, content.layer);
       case kTagCapture:
-        read = ReadInto(in, content.capture);
-        break;
+        return ReadInto(in, content.capture);
       default:
-        break;  // an unknown tag carries no payload
+        return true;  // an unknown tag carries no payload
     }
-    if (!read) return false;
-  }
-  return false;  // no end tag before the end of the data
+  });
 }
 
 // Loaded records replace the meter's; records the content lacks, and
