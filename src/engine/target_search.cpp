@@ -1,0 +1,65 @@
+// The target search: subsampling, means and outlier mask, common-gamut
+// corners and the coverage line search, in that order.
+#include <aimhue/plume_log.h>
+#include <aimhue/status.h>
+
+#include "engine/aimhue.h"
+#include "engine/coverage_inputs.h"
+#include "engine/coverage_line_search.h"
+#include "engine/gamut_corners.h"
+#include "engine/primary_means.h"
+#include "engine/subsample.h"
+#include "meter/chroma_lxy.h"
+
+namespace aimhue {
+namespace {
+
+constexpr int kWhite = 3;
+
+// Zeroes what the search leaves without a result: the white entry, and the
+// primaries' L when `keepL` is false.
+TargetBlock Stored(TargetBlock block, bool keepL) {
+  for (int primary = 0; primary < kWhite; ++primary) {
+    if (!keepL) block[primary].L = 0.0f;
+  }
+  block[kWhite] = TargetLxy{0.0f, 0.0f, 0.0f};
+  return block;
+}
+
+}  // namespace
+
+// Statuses: 1 for a null set, 12 for an empty set (red, blue, green), 9 when
+// the green or blue L plane differs in size from the red one. Beyond those,
+// every x and y plane must have the red L plane's size and every plane must
+// be single-channel 32-bit float (9 otherwise), so that no stage reads
+// outside a plane. On failure the record is unchanged.
+int Aimhue::Search(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue) {
+  PlumeLogInfo("Aimhue::Search");
+  const int status = CheckCoverageInputs(red, green, blue, cv::Mat());
+  if (status != kOk) return status;
+
+  ChromaLxy redWork;
+  ChromaLxy greenWork;
+  ChromaLxy blueWork;
+  Subsample(*red, *green, *blue, redWork, greenWork, blueWork);
+
+  TargetBlock means = {};
+  means[0] = MeanLxy(redWork);
+  means[1] = MeanLxy(greenWork);
+  means[2] = MeanLxy(blueWork);
+
+  const cv::Mat mask = OutlierMask(*this, redWork, greenWork, blueWork, means);
+
+  TargetBlock corners = {};
+  GamutCorners(*this, corners, mask, redWork, greenWork, blueWork, means);
+
+  TargetBlock final = {};
+  SearchTargets(*this, final, mask, redWork, greenWork, blueWork, means, corners);
+
+  searchEnd = Stored(final, false);
+  target = searchEnd;
+  searchStart = Stored(means, true);
+  return kOk;
+}
+
+}  // namespace aimhue
