@@ -1,0 +1,360 @@
+#include "engine/gamut_corners.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include <opencv2/imgproc.hpp>
+
+#include "common/numeric.h"
+#include "engine/primary_means.h"
+#include "meter/chroma_lxy.h"
+#include "synthetic/synthetic_chroma.h"
+
+namespace aimhue {
+namespace {
+
+using Cells = std::vector<std::pair<int, int>>;  // (row, col)
+
+// The segment rule as written: every cell computed by the double formula
+// and rounded by NearestEven.
+Cells LiteralLineCells(int x0, int y0, int x1, int y1) {
+  Cells cells;
+  if (x0 == x1 && y0 == y1) {
+    cells.emplace_back(y0, x0);
+  } else if (y0 == y1) {
+    for (int x = std::min(x0, x1); x <= std::max(x0, x1); ++x) cells.emplace_back(y0, x);
+  } else if (x0 == x1) {
+    for (int y = std::min(y0, y1); y <= std::max(y0, y1); ++y) cells.emplace_back(y, x0);
+  } else {
+    const double k = static_cast<double>(y1 - y0) / static_cast<double>(x1 - x0);
+    const double b = y0 - x0 * k;
+    if (std::fabs(k) <= 1.0) {
+      for (int x = std::min(x0, x1); x <= std::max(x0, x1); ++x) {
+        cells.emplace_back(static_cast<int>(NearestEven(x * k + b)), x);
+      }
+    } else {
+      for (int y = std::min(y0, y1); y <= std::max(y0, y1); ++y) {
+        cells.emplace_back(y, static_cast<int>(NearestEven((y - b) / k)));
+      }
+    }
+  }
+  return cells;
+}
+
+Cells SegmentCells(RasterPoint p0, RasterPoint p1) {
+  Cells cells;
+  Segment::Between(p0, p1).ForEachCell([&cells](int row, int col) { cells.emplace_back(row, col); });
+  return cells;
+}
+
+// The corner stage as written: a 32-bit raster, the mean outline times
+// 1000, every kept LED's outline, walls above 10, 16-bit 4-connected labels
+// and the scan. Inputs must be raster points.
+void LiteralGamutCorners(TargetBlock& corners, const cv::Mat& mask, const ChromaLxy& red,
+                         const ChromaLxy& green, const ChromaLxy& blue, const TargetBlock& means,
+                         cv::Mat* regionOut = nullptr) {
+  cv::Mat raster(2000, 2000, CV_32SC1, cv::Scalar(0));
+  const auto point = [](float x, float y) {
+    return std::make_pair(static_cast<int>(NearestEven(static_cast<double>(2000.0f * x))),
+                          static_cast<int>(NearestEven(static_cast<double>(2000.0f * y))));
+  };
+  const auto draw = [&raster](std::pair<int, int> p0, std::pair<int, int> p1) {
+    for (const auto& cell : LiteralLineCells(p0.first, p0.second, p1.first, p1.second)) {
+      ++raster.at<int32_t>(cell.first, cell.second);
+    }
+  };
+  const auto r = point(means[0].x, means[0].y);
+  const auto g = point(means[1].x, means[1].y);
+  const auto b = point(means[2].x, means[2].y);
+  draw(r, g);
+  draw(r, b);
+  draw(g, b);
+  raster *= 1000;
+  for (int row = 0; row < mask.rows; ++row) {
+    for (int col = 0; col < mask.cols; ++col) {
+      if (mask.at<uint8_t>(row, col) == 0) continue;
+      const auto lr = point(red.x.at<float>(row, col), red.y.at<float>(row, col));
+      const auto lg = point(green.x.at<float>(row, col), green.y.at<float>(row, col));
+      const auto lb = point(blue.x.at<float>(row, col), blue.y.at<float>(row, col));
+      draw(lr, lg);
+      draw(lr, lb);
+      draw(lg, lb);
+    }
+  }
+  cv::Mat region(2000, 2000, CV_8UC1, cv::Scalar(255));
+  region.setTo(0, raster > 10);
+  if (regionOut != nullptr) *regionOut = region.clone();
+  cv::Mat labels;
+  cv::connectedComponents(region, labels, 4, CV_16U);
+  const int seed = static_cast<int>(NearestEven(2000 * 0.33));
+  const uint16_t seedLabel = labels.at<uint16_t>(seed, seed);
+  float rx = seed, ry = seed, gx = seed, gy = seed, bx = seed, by = seed;
+  for (int i = 0; i < 2000; ++i) {
+    for (int j = 0; j < 2000; ++j) {
+      if (labels.at<uint16_t>(i, j) != seedLabel) continue;
+      if (j > rx) { rx = static_cast<float>(j); ry = static_cast<float>(i); }
+      if (i > gy) { gx = static_cast<float>(j); gy = static_cast<float>(i); }
+      if (i < by) { bx = static_cast<float>(j); by = static_cast<float>(i); }
+    }
+  }
+  corners[0].x = rx / 2000.0f;
+  corners[0].y = ry / 2000.0f;
+  corners[1].x = gx / 2000.0f;
+  corners[1].y = gy / 2000.0f;
+  corners[2].x = bx / 2000.0f;
+  corners[2].y = by / 2000.0f;
+}
+
+ChromaLxy Uniform(int count, float x, float y) {
+  ChromaLxy set;
+  set.L = cv::Mat(1, count, CV_32FC1, cv::Scalar(1.0f));
+  set.x = cv::Mat(1, count, CV_32FC1, cv::Scalar(x));
+  set.y = cv::Mat(1, count, CV_32FC1, cv::Scalar(y));
+  return set;
+}
+
+cv::Mat KeepAll(int count) { return cv::Mat(1, count, CV_8UC1, cv::Scalar(255)); }
+
+// Means of a tiny triangle near the top right, clear of everything drawn.
+TargetBlock FarMeans() {
+  return {TargetLxy{1, 0.95f, 0.95f}, TargetLxy{1, 0.94f, 0.96f}, TargetLxy{1, 0.94f, 0.95f},
+          TargetLxy{}};
+}
+
+TEST(DrawLine, CellsOfHandMadeSegments) {
+  const Cells shallow = {{0, 0}, {0, 1}, {1, 2}, {1, 3}};
+  EXPECT_EQ(SegmentCells({0, 0}, {3, 1}), shallow);
+  EXPECT_EQ(SegmentCells({3, 1}, {0, 0}), shallow);
+  EXPECT_EQ(SegmentCells({5, 5}, {5, 5}), (Cells{{5, 5}}));
+  // |k| = 1 steps along x.
+  EXPECT_EQ(SegmentCells({0, 3}, {3, 0}), (Cells{{3, 0}, {2, 1}, {1, 2}, {0, 3}}));
+  // Ties go to the even row or column: 0.5 -> 0, 1.5 -> 2.
+  EXPECT_EQ(SegmentCells({0, 0}, {2, 1}), (Cells{{0, 0}, {0, 1}, {1, 2}}));
+  EXPECT_EQ(SegmentCells({0, 1}, {2, 2}), (Cells{{1, 0}, {2, 1}, {2, 2}}));
+  EXPECT_EQ(SegmentCells({0, 0}, {1, 2}), (Cells{{0, 0}, {1, 0}, {2, 1}}));
+
+  cv::Mat raster(kRasterSize, kRasterSize, CV_32SC1, cv::Scalar(0));
+  EXPECT_TRUE(DrawLine({0, 0}, {3, 1}, raster));
+  EXPECT_TRUE(DrawLine({3, 1}, {3, 1}, raster));
+  EXPECT_EQ(cv::sum(raster)[0], 5.0);
+  EXPECT_EQ(raster.at<int32_t>(1, 3), 2);
+  EXPECT_EQ(raster.at<int32_t>(1, 2), 1);
+  EXPECT_FALSE(DrawLine({0, 0}, {2000, 5}, raster));
+  EXPECT_FALSE(DrawLine({-1, 0}, {20, 5}, raster));
+  EXPECT_EQ(cv::sum(raster)[0], 5.0);
+}
+
+TEST(DrawLine, MatchesTheDoubleFormulaOnRandomSegments) {
+  std::mt19937 random(11);
+  for (int trial = 0; trial < 20000; ++trial) {
+    // Short segments hit exact ties often; long ones span the raster.
+    const int reach = trial % 2 ? kRasterSize : 24;
+    std::uniform_int_distribution<int> coordinate(0, reach - 1);
+    const int x0 = coordinate(random), y0 = coordinate(random);
+    const int x1 = coordinate(random), y1 = coordinate(random);
+    ASSERT_EQ(SegmentCells({x0, y0}, {x1, y1}), LiteralLineCells(x0, y0, x1, y1))
+        << x0 << "," << y0 << " " << x1 << "," << y1;
+  }
+}
+
+TEST(RasterPoint, RoundsTheFloatProductToEvenAndRefusesWhatIsNotACell) {
+  RasterPoint p{-7, -7};
+  EXPECT_TRUE(ToRasterPoint(0.5f, 0.3f, p));
+  EXPECT_EQ(p, (RasterPoint{1000, 600}));
+  int ties = 0;
+  for (int n = 0; n < 1999; ++n) {
+    const float x = static_cast<float>((n + 0.5) / 2000.0);
+    if (2000.0f * x != static_cast<float>(n) + 0.5f) continue;
+    ++ties;
+    ASSERT_TRUE(ToRasterPoint(x, x, p));
+    EXPECT_EQ(p.col, n % 2 == 0 ? n : n + 1) << n;
+  }
+  EXPECT_GT(ties, 0);
+  EXPECT_TRUE(ToRasterPoint(0.99974f, -0.0002f, p));
+  EXPECT_EQ(p, (RasterPoint{1999, 0}));
+  p = RasterPoint{-7, -7};
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float inf = std::numeric_limits<float>::infinity();
+  for (const float bad : {0.99975f, 0.9999f, 1.0f, 7.0f, -0.001f, nan, inf, -inf, 3e38f}) {
+    EXPECT_FALSE(ToRasterPoint(bad, 0.5f, p)) << bad;
+    EXPECT_FALSE(ToRasterPoint(0.5f, bad, p)) << bad;
+  }
+  EXPECT_EQ(p, (RasterPoint{-7, -7}));
+}
+
+TEST(RasterPoint, FastRoundingAgreesWithNearestEven) {
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> value(-1e6, 1e6);
+  for (int i = 0; i < 100000; ++i) {
+    const double v = i % 4 == 0 ? std::floor(value(random)) + 0.5 : value(random);
+    ASSERT_EQ(static_cast<int64_t>(NearestEvenSmall(v)), static_cast<int64_t>(NearestEven(v))) << v;
+  }
+}
+
+// Identical LEDs with the triangle red (0.6, 0.3), green (0.3, 0.6), blue
+// (0.3, 0.3), i.e. cells (col, row) (1200, 600), (600, 1200), (600, 600):
+// a cell inside an edge gets one crossing per LED, a vertex two.
+cv::Mat RegionOfIdenticalLeds(int count) {
+  return RegionImage(KeepAll(count), Uniform(count, 0.6f, 0.3f), Uniform(count, 0.3f, 0.6f),
+                     Uniform(count, 0.3f, 0.3f), FarMeans());
+}
+
+TEST(RegionImage, TenCrossingsStayOpenElevenMakeAWall) {
+  const cv::Mat ten = RegionOfIdenticalLeds(10);
+  const cv::Mat eleven = RegionOfIdenticalLeds(11);
+  const cv::Mat five = RegionOfIdenticalLeds(5);
+  const cv::Mat six = RegionOfIdenticalLeds(6);
+  // On the red-blue edge (row 600) between the vertices.
+  EXPECT_EQ(ten.at<uint8_t>(600, 800), kRegionOpen);
+  EXPECT_EQ(eleven.at<uint8_t>(600, 800), kRegionWall);
+  // The blue vertex: two edges per LED.
+  EXPECT_EQ(five.at<uint8_t>(600, 600), kRegionOpen);
+  EXPECT_EQ(six.at<uint8_t>(600, 600), kRegionWall);
+  // The mean outline is a wall without any LED; its cells are the only walls.
+  EXPECT_EQ(ten.at<uint8_t>(1900, 1880), kRegionWall);
+  EXPECT_EQ(ten.at<uint8_t>(601, 800), kRegionOpen);
+  EXPECT_EQ(eleven.at<uint8_t>(601, 800), kRegionOpen);
+}
+
+TEST(RegionImage, SkipsLedsAndMeanEdgesThatAreNotRasterPoints) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  ChromaLxy red = Uniform(12, 0.6f, 0.3f);
+  const ChromaLxy green = Uniform(12, 0.3f, 0.6f);
+  const ChromaLxy blue = Uniform(12, 0.3f, 0.3f);
+  red.x.at<float>(0, 0) = nan;
+  red.y.at<float>(0, 1) = 0.99975f;  // rounds to row 2000
+  red.x.at<float>(0, 2) = std::numeric_limits<float>::infinity();
+  const cv::Mat region = RegionImage(KeepAll(12), red, green, blue, FarMeans());
+  EXPECT_EQ(cv::countNonZero(region != RegionOfIdenticalLeds(9)), 0);
+
+  // A dead LED in the working set makes the means NaN: nothing of the mean
+  // outline can be drawn, only the LEDs' walls remain.
+  TargetBlock nanMeans = FarMeans();
+  nanMeans[0].x = nan;
+  const cv::Mat partial = RegionImage(KeepAll(1), Uniform(1, 0.5f, 0.5f), Uniform(1, 0.5f, 0.5f),
+                                      Uniform(1, 0.5f, 0.5f), nanMeans);
+  EXPECT_EQ(partial.at<uint8_t>(1900, 1880), kRegionWall);  // green-blue mean edge
+  EXPECT_EQ(partial.at<uint8_t>(1900, 1890), kRegionOpen);  // red-blue would be here
+  for (auto& mean : nanMeans) mean.y = nan;
+  EXPECT_EQ(cv::countNonZero(RegionImage(KeepAll(1), Uniform(1, 0.5f, 0.5f),
+                                         Uniform(1, 0.5f, 0.5f), Uniform(1, 0.5f, 0.5f),
+                                         nanMeans)),
+            kRasterSize * kRasterSize);
+}
+
+TEST(GamutCorners, OnlyTheMeanTriangleGivesTheCellsJustInside) {
+  // Means at cells (1000, 600), (600, 1200), (600, 600); no LED is kept.
+  const TargetBlock means = {TargetLxy{1, 0.5f, 0.3f}, TargetLxy{1, 0.3f, 0.6f},
+                             TargetLxy{1, 0.3f, 0.3f}, TargetLxy{5, 5, 5}};
+  const ChromaLxy set = Uniform(4, 0.3f, 0.3f);
+  const cv::Mat none(1, 4, CV_8UC1, cv::Scalar(0));
+  TargetBlock corners = {TargetLxy{7, 0, 0}, TargetLxy{8, 0, 0}, TargetLxy{9, 0, 0},
+                         TargetLxy{10, 11, 12}};
+  GamutCorners(Aimhue(), corners, none, set, set, set, means);
+  // Red: column 998 (the hypotenuse is at 999 in rows 601 and 602), topmost
+  // row 601; green: row 1197 holds only column 601; blue: row 601, column 601.
+  EXPECT_EQ(corners[0].x, 998.0f / 2000.0f);
+  EXPECT_EQ(corners[0].y, 601.0f / 2000.0f);
+  EXPECT_EQ(corners[1].x, 601.0f / 2000.0f);
+  EXPECT_EQ(corners[1].y, 1197.0f / 2000.0f);
+  EXPECT_EQ(corners[2].x, 601.0f / 2000.0f);
+  EXPECT_EQ(corners[2].y, 601.0f / 2000.0f);
+  // L slots and white untouched.
+  EXPECT_EQ(corners[0].L, 7.0f);
+  EXPECT_EQ(corners[3].L, 10.0f);
+  EXPECT_EQ(corners[3].y, 12.0f);
+}
+
+TEST(GamutCorners, SeedOnAWallScansEveryWallCell) {
+  // A horizontal mean edge through (0.33, 0.33): red (1000, 660), green
+  // (400, 660), blue (600, 200).
+  const TargetBlock means = {TargetLxy{1, 0.5f, 0.33f}, TargetLxy{1, 0.2f, 0.33f},
+                             TargetLxy{1, 0.3f, 0.1f}, TargetLxy{}};
+  const ChromaLxy set = Uniform(1, 0.3f, 0.3f);
+  TargetBlock corners = {};
+  GamutCorners(Aimhue(), corners, cv::Mat(1, 1, CV_8UC1, cv::Scalar(0)), set, set, set, means);
+  // Red: rightmost wall column 1000, only row 660. Green: no wall row below
+  // 660, so it stays at the seed. Blue: top wall row 200, the blue mean.
+  EXPECT_EQ(corners[0].x, 1000.0f / 2000.0f);
+  EXPECT_EQ(corners[0].y, 660.0f / 2000.0f);
+  EXPECT_EQ(corners[1].x, 660.0f / 2000.0f);
+  EXPECT_EQ(corners[1].y, 660.0f / 2000.0f);
+  EXPECT_EQ(corners[2].x, 600.0f / 2000.0f);
+  EXPECT_EQ(corners[2].y, 200.0f / 2000.0f);
+}
+
+TEST(GamutCorners, NoWallsAtAllGiveTheRasterCorners) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const TargetBlock means = {TargetLxy{0, nan, nan}, TargetLxy{0, nan, nan},
+                             TargetLxy{0, nan, nan}, TargetLxy{}};
+  const ChromaLxy set = Uniform(3, nan, nan);
+  TargetBlock corners = {};
+  GamutCorners(Aimhue(), corners, KeepAll(3), set, set, set, means);
+  EXPECT_EQ(corners[0].x, 1999.0f / 2000.0f);
+  EXPECT_EQ(corners[0].y, 0.0f);
+  EXPECT_EQ(corners[1].x, 0.0f);
+  EXPECT_EQ(corners[1].y, 1999.0f / 2000.0f);
+  EXPECT_EQ(corners[2].x, 0.0f);
+  EXPECT_EQ(corners[2].y, 0.0f);
+}
+
+// Random working sets: synthetic screens from tight to very wide spreads
+// (pockets, leaks and many walls), random masks, and triangles thrown
+// anywhere in the plane.
+TEST(GamutCorners, MatchesTheLiteralStageBitForBit) {
+  std::mt19937 random(5);
+  for (int trial = 0; trial < 12; ++trial) {
+    synthetic::ScreenOptions options;
+    options.rows = 10 + trial * 3;
+    options.cols = 20 + trial * 5;
+    options.moduleRows = 8;
+    options.moduleCols = 10;
+    options.seed = 100 + trial;
+    options.deadCount = 0;
+    options.outlierCount = trial % 3;
+    options.ledSpread = 0.0005f * static_cast<float>(1 + trial * trial);
+    options.moduleSpread = 0.001f * static_cast<float>(trial % 4);
+    const synthetic::ScreenPlanes planes = synthetic::GeneratePlanes(options);
+    synthetic::ScreenChroma sets = synthetic::ChromaFromPlanes(planes);
+    // The literal stage needs raster points everywhere.
+    for (auto& set : sets) {
+      for (cv::Mat* plane : {&set.x, &set.y}) {
+        cv::max(*plane, 0.0, *plane);
+        cv::min(*plane, 0.999, *plane);
+      }
+    }
+    if (trial >= 9) {
+      std::uniform_real_distribution<float> anywhere(0.0f, 0.999f);
+      for (auto& set : sets) {
+        for (cv::Mat* plane : {&set.x, &set.y}) {
+          for (int i = 0; i < static_cast<int>(plane->total()); ++i) {
+            if (random() % 4 == 0) plane->at<float>(i) = anywhere(random);
+          }
+        }
+      }
+    }
+    TargetBlock means = {MeanLxy(sets[0]), MeanLxy(sets[1]), MeanLxy(sets[2]), TargetLxy{}};
+    cv::Mat mask(options.rows, options.cols, CV_8UC1);
+    cv::randu(mask, 0, trial % 2 ? 2 : 256);
+
+    cv::Mat literalRegion;
+    TargetBlock expected = {};
+    LiteralGamutCorners(expected, mask, sets[0], sets[1], sets[2], means, &literalRegion);
+    const cv::Mat region = RegionImage(mask, sets[0], sets[1], sets[2], means);
+    ASSERT_EQ(cv::countNonZero(region != literalRegion), 0) << trial;
+    TargetBlock corners = {};
+    GamutCorners(Aimhue(), corners, mask, sets[0], sets[1], sets[2], means);
+    for (int p = 0; p < 3; ++p) {
+      EXPECT_EQ(corners[p].x, expected[p].x) << trial << " primary " << p;
+      EXPECT_EQ(corners[p].y, expected[p].y) << trial << " primary " << p;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace aimhue
