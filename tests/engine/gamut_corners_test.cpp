@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -160,6 +161,33 @@ TEST(DrawLine, MatchesTheDoubleFormulaOnRandomSegments) {
     ASSERT_EQ(SegmentCells({x0, y0}, {x1, y1}), LiteralLineCells(x0, y0, x1, y1))
         << x0 << "," << y0 << " " << x1 << "," << y1;
   }
+}
+
+// The cells of a segment's runs, sorted, against its cells one by one.
+TEST(DrawLine, RunsCoverExactlyTheSegmentsCells) {
+  std::mt19937 random(13);
+  int directions[4] = {};
+  for (int trial = 0; trial < 40000; ++trial) {
+    const int reach = trial % 4 == 0 ? kRasterSize : 30;
+    std::uniform_int_distribution<int> coordinate(0, reach - 1);
+    const RasterPoint p0{coordinate(random), coordinate(random)};
+    const RasterPoint p1{coordinate(random), coordinate(random)};
+    Cells fromRuns;
+    Segment::Between(p0, p1).ForEachRun([&](RunDirection direction, int row, int col, int length) {
+      ++directions[static_cast<int>(direction)];
+      ASSERT_GE(length, 1);
+      const int rowStep = direction == RunDirection::kRight ? 0 : 1;
+      const int colStep = direction == RunDirection::kDown       ? 0
+                          : direction == RunDirection::kDownLeft ? -1
+                                                                 : 1;
+      for (int i = 0; i < length; ++i) fromRuns.emplace_back(row + i * rowStep, col + i * colStep);
+    });
+    Cells cells = SegmentCells(p0, p1);
+    std::sort(cells.begin(), cells.end());
+    std::sort(fromRuns.begin(), fromRuns.end());
+    ASSERT_EQ(fromRuns, cells) << p0.col << "," << p0.row << " " << p1.col << "," << p1.row;
+  }
+  for (const int used : directions) EXPECT_GT(used, 1000);
 }
 
 TEST(RasterPoint, RoundsTheFloatProductToEvenAndRefusesWhatIsNotACell) {

@@ -1,0 +1,209 @@
+// The chromaticity raster of the corner stage and the digital segments drawn
+// on it: which cells a segment between two raster points covers, cell by
+// cell or as runs of cells in a straight line.
+#ifndef AIMHUE_SRC_ENGINE_RASTER_SEGMENT_H_
+#define AIMHUE_SRC_ENGINE_RASTER_SEGMENT_H_
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "common/numeric.h"
+
+namespace aimhue {
+
+// The raster is kRasterSize x kRasterSize cells; row = scaled y, column =
+// scaled x, with the scale kRasterScale (as float on the way in and back).
+constexpr int kRasterSize = 2000;
+constexpr float kRasterScale = 2000.0f;
+
+// An integer raster point: column (scaled x) and row (scaled y).
+struct RasterPoint {
+  int col;
+  int row;
+};
+
+inline bool operator==(RasterPoint a, RasterPoint b) { return a.col == b.col && a.row == b.row; }
+
+inline bool InRaster(RasterPoint p) {
+  return p.col >= 0 && p.col < kRasterSize && p.row >= 0 && p.row < kRasterSize;
+}
+
+// The raster point of chromaticity (x, y): column nearest(2000.0f x x) and
+// row nearest(2000.0f x y), each product in 32-bit float, ties to even.
+// Returns false, leaving `point` unchanged, when that point is not a raster
+// cell: a NaN or infinite coordinate, one below -0.00025 or one at or above
+// 0.99975 (which rounds to 2000, one past the last cell, although it is below
+// 1). Coordinates in [-0.00025, 0) round to cell 0 and are accepted.
+inline bool ToRasterPoint(float x, float y, RasterPoint& point) {
+  const float scaledX = kRasterScale * x;
+  const float scaledY = kRasterScale * y;
+  // The range test comes first (it also rejects NaN), so that the rounding
+  // below only sees small values.
+  constexpr float kLow = -1.0f;
+  constexpr float kHigh = static_cast<float>(kRasterSize);
+  if (!(scaledX > kLow && scaledX < kHigh && scaledY > kLow && scaledY < kHigh)) return false;
+  const double col = NearestEvenSmall(static_cast<double>(scaledX));
+  const double row = NearestEvenSmall(static_cast<double>(scaledY));
+  if (col < 0.0 || col >= kRasterSize || row < 0.0 || row >= kRasterSize) return false;
+  point = RasterPoint{static_cast<int>(col), static_cast<int>(row)};
+  return true;
+}
+
+// Directions of a run of cells, each from its first cell: along the row
+// (column + 1), down the column (row + 1), down-right (row + 1, column + 1)
+// and down-left (row + 1, column - 1).
+enum class RunDirection { kRight, kDown, kDownRight, kDownLeft };
+
+// The cells of the segment p0-p1, both ends included:
+// - a point: that cell; a horizontal or vertical segment: every cell of it;
+// - otherwise with k = (y1 - y0) / (x1 - x0) and b = y0 - x0 k in double:
+//   for |k| <= 1 (shallow) the cells (nearest(x k + b), x) for every x from
+//   the smaller to the larger end; for |k| > 1 (steep) the cells
+//   (y, nearest((y - b) / k)) for every y; ties to even.
+// Every cell lies in the bounding box of p0 and p1 (the rounding errors are
+// far below half a cell at raster sizes), so two raster points give raster
+// cells only.
+class Segment {
+ public:
+  enum Kind { kPoint, kHorizontal, kVertical, kShallow, kSteep };
+
+  static Segment Between(RasterPoint p0, RasterPoint p1) {
+    Segment s;
+    if (p0 == p1) {
+      s.kind_ = kPoint;
+    } else if (p0.row == p1.row) {
+      s.kind_ = kHorizontal;
+    } else if (p0.col == p1.col) {
+      s.kind_ = kVertical;
+    } else {
+      s.k_ = static_cast<double>(p1.row - p0.row) / static_cast<double>(p1.col - p0.col);
+      s.b_ = static_cast<double>(p0.row) - static_cast<double>(p0.col) * s.k_;
+      s.kind_ = std::fabs(s.k_) <= 1.0 ? kShallow : kSteep;
+    }
+    // The walk starts at the end with the smaller major coordinate: the
+    // column for point, horizontal and shallow segments, the row otherwise.
+    const bool byColumn = s.kind_ == kPoint || s.kind_ == kHorizontal || s.kind_ == kShallow;
+    const int major0 = byColumn ? p0.col : p0.row;
+    const int major1 = byColumn ? p1.col : p1.row;
+    const RasterPoint start = major0 <= major1 ? p0 : p1;
+    const RasterPoint end = major0 <= major1 ? p1 : p0;
+    s.byColumn_ = byColumn;
+    s.startCol_ = start.col;
+    s.startRow_ = start.row;
+    s.majorLength_ = byColumn ? end.col - start.col : end.row - start.row;
+    const int minorDelta = byColumn ? end.row - start.row : end.col - start.col;
+    s.minorLength_ = std::abs(minorDelta);
+    s.minorStep_ = minorDelta < 0 ? -1 : 1;
+    return s;
+  }
+
+  Kind kind() const { return kind_; }
+
+  // The row of a shallow segment's cell in column x.
+  int RowAt(int x) const {
+    return static_cast<int>(NearestEvenSmall(static_cast<double>(x) * k_ + b_));
+  }
+  // The column of a steep segment's cell in row y.
+  int ColAt(int y) const {
+    return static_cast<int>(NearestEvenSmall((static_cast<double>(y) - b_) / k_));
+  }
+
+  // Calls visit(row, col) once for every cell of the segment, in increasing
+  // column (point, horizontal, shallow) or row (vertical, steep) order, each
+  // cell computed by the formula above.
+  template <typename Visit>
+  void ForEachCell(Visit&& visit) const {
+    for (int u = 0; u <= majorLength_; ++u) {
+      if (byColumn_) {
+        const int col = startCol_ + u;
+        visit(kind_ == kShallow ? RowAt(col) : startRow_, col);
+      } else {
+        const int row = startRow_ + u;
+        visit(row, kind_ == kSteep ? ColAt(row) : startCol_);
+      }
+    }
+  }
+
+  // Calls run(direction, row, col, length) for runs of cells in a straight
+  // line that together cover exactly the cells of ForEachCell, each once;
+  // (row, col) is the run's first cell in `direction`.
+  //
+  // Along the major axis (columns for a shallow segment, rows for a steep
+  // one) the minor offset of step u from the start is m(u) = nearest(u a / n)
+  // with a the minor and n the major length: exactly, every cell is within
+  // half a cell of the ideal line. The formula above computes the same
+  // offsets: its rounding errors stay below 1e-8 cells, while an offset
+  // that is not a tie lies at least 1 / (2 n) >= 1/4000 of a cell from one.
+  // Where 2 u a / n is odd (an exact tie) the formula itself decides. With
+  // a <= n - a, the cells come in runs of equal m (along the major axis),
+  // each ending where 2 u a first exceeds (2 j - 1) n; otherwise in runs of
+  // equal u - m (diagonal), found the same way with n - a in place of a.
+  // So a segment costs one step per run rather than one per cell.
+  template <typename Run>
+  void ForEachRun(Run&& run) const {
+    const int n = majorLength_;
+    const int a = minorLength_;
+    const bool diagonal = a > n - a;
+    const int rate = diagonal ? n - a : a;  // how the run index grows with u
+    const RunDirection straight = byColumn_ ? RunDirection::kRight : RunDirection::kDown;
+    int first = 0;  // u of the current run's first cell
+    for (int j = 0; j <= rate; ++j) {
+      // The first u of run j + 1 (n + 1 after the last run).
+      int next = n + 1;
+      if (j < rate) {
+        const int numerator = (2 * j + 1) * n;
+        const int denominator = 2 * rate;
+        next = (numerator + denominator - 1) / denominator;
+        if (next * denominator == numerator && RunIndexAt(next, diagonal) == j) ++next;
+      }
+      const int length = next - first;
+      if (!diagonal) {
+        const int minor = minorStep_ * j;
+        if (byColumn_) {
+          run(straight, startRow_ + minor, startCol_ + first, length);
+        } else {
+          run(straight, startRow_ + first, startCol_ + minor, length);
+        }
+      } else {
+        // Cells (major u, minor u - j) for u in [first, next - 1].
+        const int firstMinor = minorStep_ * (first - j);
+        if (minorStep_ > 0) {
+          run(RunDirection::kDownRight, startRow_ + (byColumn_ ? firstMinor : first),
+              startCol_ + (byColumn_ ? first : firstMinor), length);
+        } else if (byColumn_) {
+          // Rows fall as columns grow: the run starts at its last column.
+          const int last = next - 1;
+          run(RunDirection::kDownLeft, startRow_ + minorStep_ * (last - j), startCol_ + last,
+              length);
+        } else {
+          run(RunDirection::kDownLeft, startRow_ + first, startCol_ + firstMinor, length);
+        }
+      }
+      first = next;
+    }
+  }
+
+ private:
+  // The run index of step u as the cell formula places it: m(u), or u - m(u)
+  // for diagonal runs.
+  int RunIndexAt(int u, bool diagonal) const {
+    const int offset = byColumn_ ? (RowAt(startCol_ + u) - startRow_) * minorStep_
+                                 : (ColAt(startRow_ + u) - startCol_) * minorStep_;
+    return diagonal ? u - offset : offset;
+  }
+
+  Kind kind_ = kPoint;
+  double k_ = 0.0;
+  double b_ = 0.0;
+  bool byColumn_ = true;
+  int startCol_ = 0;
+  int startRow_ = 0;
+  int majorLength_ = 0;
+  int minorLength_ = 0;
+  int minorStep_ = 1;
+};
+
+}  // namespace aimhue
+
+#endif  // AIMHUE_SRC_ENGINE_RASTER_SEGMENT_H_
