@@ -13,84 +13,145 @@ namespace {
 // The mark that the seed component gets in the region image.
 constexpr uint8_t kSeedMark = 1;
 
-// Difference planes of the four run directions over a box of the raster
-// with a margin of one cell on every side (a run's end marker may lie just
-// past the box).
-class RunCounts {
- public:
-  RunCounts(int firstRow, int lastRow, int firstCol, int lastCol)
-      : top_(firstRow - 1),
-        left_(firstCol - 1),
-        rows_(lastRow - firstRow + 3),
-        cols_(lastCol - firstCol + 3),
-        planes_(4 * static_cast<size_t>(rows_) * cols_, 0) {}
+// The count at which a cell is a wall; counters stop there.
+constexpr uint8_t kWallCount = static_cast<uint8_t>(kMaxOpenCrossings + 1);
+// Side of the square tiles whose saturation is tracked.
+constexpr int kTileShift = 3;
+constexpr int kTileSize = 1 << kTileShift;
+constexpr int kTiles = (kRasterSize + kTileSize - 1) / kTileSize;
 
-  void Add(RunDirection direction, int row, int col, int length) {
-    int32_t* plane = Plane(direction);
-    const int endRow = direction == RunDirection::kRight ? row : row + length;
-    const int endCol = direction == RunDirection::kDown    ? col
-                       : direction == RunDirection::kDownLeft ? col - length
-                                                             : col + length;
-    ++plane[Index(row, col)];
-    --plane[Index(endRow, endCol)];
+// Crossing counts that stop at kWallCount, with a record of the tiles all
+// of whose cells have stopped there. The stretch of an edge that runs
+// through such tiles cannot change any wall and is not walked at all: on a
+// real screen the LEDs' edges crowd into bands whose middles are walls
+// after the first few thousand LEDs, so most of every later edge is
+// skipped and only the stretches through the bands' fringes are counted. A
+// tile is only marked once every cell in it is a wall, so the walls are
+// exactly those of counting every crossing.
+class WallCounter {
+ public:
+  WallCounter()
+      : counts_(static_cast<size_t>(kRasterSize) * kRasterSize, 0),
+        saturated_((static_cast<size_t>(kTiles) * kTiles + 63) / 64, 0),
+        touched_(saturated_.size(), 0) {
+    touchedList_.reserve(static_cast<size_t>(kTiles) * kTiles);
   }
 
-  // Sums the planes back into crossing counts and marks every cell with more
-  // than kMaxOpenCrossings as a wall in `region`.
-  void MarkWalls(cv::Mat& region) const {
-    std::vector<int32_t> down(cols_, 0);
-    std::vector<int32_t> downRight(cols_ + 1, 0);  // shifted by one: [c] is column c - 1
-    std::vector<int32_t> downLeft(cols_ + 1, 0);   // [c] is column c
-    std::vector<int32_t> nextRight(cols_ + 1, 0);
-    std::vector<int32_t> nextLeft(cols_ + 1, 0);
-    for (int r = 0; r < rows_; ++r) {
-      const size_t rowStart = static_cast<size_t>(r) * cols_;
-      const int32_t* right = Plane(RunDirection::kRight) + rowStart;
-      const int32_t* downPlane = Plane(RunDirection::kDown) + rowStart;
-      const int32_t* downRightPlane = Plane(RunDirection::kDownRight) + rowStart;
-      const int32_t* downLeftPlane = Plane(RunDirection::kDownLeft) + rowStart;
-      const int row = top_ + r;
-      uint8_t* cells = row >= 0 && row < kRasterSize ? region.ptr<uint8_t>(row) : nullptr;
-      int32_t along = 0;
-      for (int c = 0; c < cols_; ++c) {
-        along += right[c];
-        down[c] += downPlane[c];
-        // From the cell up-left (c - 1) and up-right (c + 1) in the row above.
-        nextRight[c + 1] = downRightPlane[c] + downRight[c];
-        nextLeft[c] = downLeftPlane[c] + downLeft[c + 1];
-        const int32_t crossings = along + down[c] + nextRight[c + 1] + nextLeft[c];
-        const int col = left_ + c;
-        if (cells != nullptr && crossings > kMaxOpenCrossings && col >= 0 && col < kRasterSize) {
-          cells[col] = kRegionWall;
-        }
+  const uint8_t* counts() const { return counts_.data(); }
+
+  void MakeWall(int row, int col) { counts_[Index(row, col)] = kWallCount; }
+
+  // Adds one crossing to every cell of the segment, skipping its stretches
+  // through saturated tiles. The walk goes a tile width at a time along the
+  // major axis; over steps first ... next - 1 the minor offsets
+  // nearest(u a / n) lie in [floor(first a / n), floor(next a / n) + 1]
+  // (kept with integers as the walk goes), and the stretch is skipped when
+  // every tile in that band is saturated.
+  void Add(const Segment& segment) {
+    uint8_t* counts = counts_.data();
+    const auto count = [counts](int row, int col) {
+      uint8_t& cell = counts[Index(row, col)];
+      cell = static_cast<uint8_t>(cell + (cell < kWallCount));
+    };
+    const int n = segment.majorLength();
+    const int a = segment.minorLength();
+    const int step = segment.minorStep();
+    const bool byColumn = segment.byColumn();
+    const int majorStart = byColumn ? segment.startCol() : segment.startRow();
+    const int minorStart = byColumn ? segment.startRow() : segment.startCol();
+    const int minorTileStride = byColumn ? kTiles : 1;
+    const int majorTileStride = byColumn ? 1 : kTiles;
+    // floor(u a / n) and u a mod n at the stretch's first step u; a whole
+    // tile width adds tileQuotient and tileRemainder.
+    int quotient = 0;
+    int remainder = 0;
+    const int divisor = std::max(n, 1);
+    const int tileQuotient = kTileSize * a / divisor;
+    const int tileRemainder = kTileSize * a % divisor;
+    const auto advance = [&](int steps) {
+      if (steps == kTileSize) {
+        quotient += tileQuotient;
+        remainder += tileRemainder;
+      } else {
+        quotient += steps * a / divisor;
+        remainder += steps * a % divisor;
       }
-      downRight.swap(nextRight);
-      downLeft.swap(nextLeft);
+      if (remainder >= divisor) {
+        remainder -= divisor;
+        ++quotient;
+      }
+    };
+    for (int first = 0; first <= n;) {
+      const int major = majorStart + first;
+      const int next = std::min(n + 1, first + kTileSize - (major & (kTileSize - 1)));
+      const int low = quotient;
+      advance(next - first);
+      const int high = quotient + 1;
+      int lowMinor = step > 0 ? minorStart + low : minorStart - high;
+      int highMinor = step > 0 ? minorStart + high : minorStart - low;
+      lowMinor = std::max(lowMinor, 0);
+      highMinor = std::min(highMinor, kRasterSize - 1);
+      const int majorTile = major >> kTileShift;
+      int tile = (lowMinor >> kTileShift) * minorTileStride + majorTile * majorTileStride;
+      const int lastTile = (highMinor >> kTileShift) * minorTileStride + majorTile * majorTileStride;
+      const int firstTile = tile;
+      bool skip = true;
+      for (; skip && tile <= lastTile; tile += minorTileStride) skip = Saturated(tile);
+      if (!skip) {
+        segment.ForEachCellOfSteps(first, next - 1, count);
+        for (tile = firstTile; tile <= lastTile; tile += minorTileStride) MarkTouched(tile);
+      }
+      first = next;
     }
   }
 
- private:
-  int32_t* Plane(RunDirection direction) {
-    return planes_.data() + static_cast<size_t>(direction) * rows_ * cols_;
-  }
-  const int32_t* Plane(RunDirection direction) const {
-    return planes_.data() + static_cast<size_t>(direction) * rows_ * cols_;
-  }
-  size_t Index(int row, int col) const {
-    return static_cast<size_t>(row - top_) * cols_ + static_cast<size_t>(col - left_);
+  // Marks the tiles counted in since the last refresh whose cells are all
+  // walls (a tile that is never counted in cannot become saturated).
+  void Refresh() {
+    for (const int tile : touchedList_) {
+      touched_[tile >> 6] &= ~(uint64_t{1} << (tile & 63));
+      if (Saturated(tile)) continue;
+      const int tileRow = tile / kTiles;
+      const int tileCol = tile % kTiles;
+      const int rowEnd = std::min((tileRow + 1) << kTileShift, kRasterSize);
+      const int colEnd = std::min((tileCol + 1) << kTileShift, kRasterSize);
+      uint8_t least = kWallCount;
+      for (int row = tileRow << kTileShift; row < rowEnd; ++row) {
+        const uint8_t* cells = counts_.data() + Index(row, 0);
+        for (int col = tileCol << kTileShift; col < colEnd; ++col) {
+          least = std::min(least, cells[col]);
+        }
+      }
+      if (least == kWallCount) saturated_[tile >> 6] |= uint64_t{1} << (tile & 63);
+    }
+    touchedList_.clear();
   }
 
-  int top_;
-  int left_;
-  int rows_;
-  int cols_;
-  std::vector<int32_t> planes_;
+ private:
+  static size_t Index(int row, int col) {
+    return static_cast<size_t>(row) * kRasterSize + static_cast<size_t>(col);
+  }
+
+  bool Saturated(int tile) const { return (saturated_[tile >> 6] >> (tile & 63)) & 1; }
+
+  void MarkTouched(int tile) {
+    uint64_t& word = touched_[tile >> 6];
+    const uint64_t bit = uint64_t{1} << (tile & 63);
+    if ((word & bit) != 0) return;
+    word |= bit;
+    touchedList_.push_back(tile);
+  }
+
+  std::vector<uint8_t> counts_;
+  std::vector<uint64_t> saturated_;  // one bit per tile, row-major
+  std::vector<uint64_t> touched_;    // tiles counted in since the last refresh
+  std::vector<int> touchedList_;
 };
 
 // Makes every cell of a segment a wall.
-void WallSegment(RasterPoint p0, RasterPoint p1, cv::Mat& region) {
+void WallSegment(RasterPoint p0, RasterPoint p1, WallCounter& counter) {
   Segment::Between(p0, p1).ForEachCell(
-      [&region](int row, int col) { region.at<uint8_t>(row, col) = kRegionWall; });
+      [&counter](int row, int col) { counter.MakeWall(row, col); });
 }
 
 int SeedCell() { return static_cast<int>(NearestEven(static_cast<double>(kRasterSize) * 0.33)); }
@@ -138,56 +199,9 @@ bool DrawLine(RasterPoint p0, RasterPoint p1, cv::Mat& raster) {
 
 cv::Mat RegionImage(const cv::Mat& mask, const ChromaLxy& red, const ChromaLxy& green,
                     const ChromaLxy& blue, const TargetBlock& means) {
-  // The raster points of every drawable kept LED, and their bounding box.
-  std::vector<std::array<RasterPoint, 3>> triangles;
-  triangles.reserve(static_cast<size_t>(cv::countNonZero(mask)));
-  int firstRow = kRasterSize;
-  int lastRow = -1;
-  int firstCol = kRasterSize;
-  int lastCol = -1;
-  for (int row = 0; row < mask.rows; ++row) {
-    const uint8_t* keep = mask.ptr<uint8_t>(row);
-    const float* rx = red.x.ptr<float>(row);
-    const float* ry = red.y.ptr<float>(row);
-    const float* gx = green.x.ptr<float>(row);
-    const float* gy = green.y.ptr<float>(row);
-    const float* bx = blue.x.ptr<float>(row);
-    const float* by = blue.y.ptr<float>(row);
-    for (int col = 0; col < mask.cols; ++col) {
-      if (keep[col] == 0) continue;
-      std::array<RasterPoint, 3> triangle;
-      if (!ToRasterPoint(rx[col], ry[col], triangle[0]) ||
-          !ToRasterPoint(gx[col], gy[col], triangle[1]) ||
-          !ToRasterPoint(bx[col], by[col], triangle[2])) {
-        continue;
-      }
-      for (const RasterPoint& p : triangle) {
-        firstRow = std::min(firstRow, p.row);
-        lastRow = std::max(lastRow, p.row);
-        firstCol = std::min(firstCol, p.col);
-        lastCol = std::max(lastCol, p.col);
-      }
-      triangles.push_back(triangle);
-    }
-  }
-
-  cv::Mat region(kRasterSize, kRasterSize, CV_8UC1, cv::Scalar(kRegionOpen));
-  if (!triangles.empty()) {
-    RunCounts counts(firstRow, lastRow, firstCol, lastCol);
-    const auto add = [&counts](RunDirection direction, int row, int col, int length) {
-      counts.Add(direction, row, col, length);
-    };
-    for (const auto& triangle : triangles) {
-      // Edges red-green, red-blue, green-blue.
-      Segment::Between(triangle[0], triangle[1]).ForEachRun(add);
-      Segment::Between(triangle[0], triangle[2]).ForEachRun(add);
-      Segment::Between(triangle[1], triangle[2]).ForEachRun(add);
-    }
-    counts.MarkWalls(region);
-  }
-
-  // The mean outline, red-green, red-blue, green-blue; an edge with an end
-  // that is not a raster point is left out.
+  WallCounter counter;
+  // The mean outline first, red-green, red-blue, green-blue; an edge with an
+  // end that is not a raster point is left out.
   RasterPoint meanPoints[3];
   bool meanDrawable[3];
   for (int primary = 0; primary < 3; ++primary) {
@@ -198,8 +212,51 @@ cv::Mat RegionImage(const cv::Mat& mask, const ChromaLxy& red, const ChromaLxy& 
   constexpr int kEdges[3][2] = {{0, 1}, {0, 2}, {1, 2}};
   for (const auto& edge : kEdges) {
     if (meanDrawable[edge[0]] && meanDrawable[edge[1]]) {
-      WallSegment(meanPoints[edge[0]], meanPoints[edge[1]], region);
+      WallSegment(meanPoints[edge[0]], meanPoints[edge[1]], counter);
     }
+  }
+
+  // The LEDs' edges. The saturated tiles are looked for after kFirstRefresh
+  // edges, then after twice as many, and so on, at least every
+  // kMaxRefreshInterval edges.
+  constexpr size_t kFirstRefresh = 1024;
+  constexpr size_t kMaxRefreshInterval = 16384;
+  size_t nextRefresh = kFirstRefresh;
+  size_t edges = 0;
+  for (int row = 0; row < mask.rows; ++row) {
+    const uint8_t* keep = mask.ptr<uint8_t>(row);
+    const float* rx = red.x.ptr<float>(row);
+    const float* ry = red.y.ptr<float>(row);
+    const float* gx = green.x.ptr<float>(row);
+    const float* gy = green.y.ptr<float>(row);
+    const float* bx = blue.x.ptr<float>(row);
+    const float* by = blue.y.ptr<float>(row);
+    for (int col = 0; col < mask.cols; ++col) {
+      if (keep[col] == 0) continue;
+      RasterPoint r;
+      RasterPoint g;
+      RasterPoint b;
+      if (!ToRasterPoint(rx[col], ry[col], r) || !ToRasterPoint(gx[col], gy[col], g) ||
+          !ToRasterPoint(bx[col], by[col], b)) {
+        continue;
+      }
+      counter.Add(Segment::Between(r, g));
+      counter.Add(Segment::Between(r, b));
+      counter.Add(Segment::Between(g, b));
+      edges += 3;
+      if (edges >= nextRefresh) {
+        counter.Refresh();
+        nextRefresh = edges + std::min(edges, kMaxRefreshInterval);
+      }
+    }
+  }
+
+  cv::Mat region(kRasterSize, kRasterSize, CV_8UC1);
+  const uint8_t* counts = counter.counts();
+  uint8_t* cells = region.ptr<uint8_t>();
+  const size_t total = static_cast<size_t>(kRasterSize) * kRasterSize;
+  for (size_t cell = 0; cell < total; ++cell) {
+    cells[cell] = counts[cell] > kMaxOpenCrossings ? kRegionWall : kRegionOpen;
   }
   return region;
 }

@@ -99,6 +99,15 @@ class Segment {
   }
 
   Kind kind() const { return kind_; }
+  // The walk: from (startCol, startRow), majorLength steps along columns
+  // (byColumn) or rows, the other coordinate moving minorLength cells in
+  // total in the direction minorStep (+1 or -1).
+  bool byColumn() const { return byColumn_; }
+  int startCol() const { return startCol_; }
+  int startRow() const { return startRow_; }
+  int majorLength() const { return majorLength_; }
+  int minorLength() const { return minorLength_; }
+  int minorStep() const { return minorStep_; }
 
   // The row of a shallow segment's cell in column x.
   int RowAt(int x) const {
@@ -114,12 +123,19 @@ class Segment {
   // cell computed by the formula above.
   template <typename Visit>
   void ForEachCell(Visit&& visit) const {
-    for (int u = 0; u <= majorLength_; ++u) {
-      if (byColumn_) {
-        const int col = startCol_ + u;
+    ForEachCellOfSteps(0, majorLength_, visit);
+  }
+
+  // The same for the cells of steps first ... last (0 <= first, last <=
+  // majorLength) of the walk from the start.
+  template <typename Visit>
+  void ForEachCellOfSteps(int first, int last, Visit&& visit) const {
+    if (byColumn_) {
+      for (int col = startCol_ + first; col <= startCol_ + last; ++col) {
         visit(kind_ == kShallow ? RowAt(col) : startRow_, col);
-      } else {
-        const int row = startRow_ + u;
+      }
+    } else {
+      for (int row = startRow_ + first; row <= startRow_ + last; ++row) {
         visit(row, kind_ == kSteep ? ColAt(row) : startCol_);
       }
     }
