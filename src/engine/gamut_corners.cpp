@@ -220,7 +220,7 @@ cv::Mat RegionImage(const cv::Mat& mask, const ChromaLxy& red, const ChromaLxy& 
   // edges, then after twice as many, and so on, at least every
   // kMaxRefreshInterval edges.
   constexpr size_t kFirstRefresh = 1024;
-  constexpr size_t kMaxRefreshInterval = 16384;
+  constexpr size_t kMaxRefreshInterval = 4096;
   size_t nextRefresh = kFirstRefresh;
   size_t edges = 0;
   for (int row = 0; row < mask.rows; ++row) {

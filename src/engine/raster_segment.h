@@ -110,13 +110,9 @@ class Segment {
   int minorStep() const { return minorStep_; }
 
   // The row of a shallow segment's cell in column x.
-  int RowAt(int x) const {
-    return static_cast<int>(NearestEvenSmall(static_cast<double>(x) * k_ + b_));
-  }
+  int RowAt(int x) const { return RowOnLine(x, k_, b_); }
   // The column of a steep segment's cell in row y.
-  int ColAt(int y) const {
-    return static_cast<int>(NearestEvenSmall((static_cast<double>(y) - b_) / k_));
-  }
+  int ColAt(int y) const { return ColOnLine(y, k_, b_); }
 
   // Calls visit(row, col) once for every cell of the segment, in increasing
   // column (point, horizontal, shallow) or row (vertical, steep) order, each
@@ -130,14 +126,30 @@ class Segment {
   // majorLength) of the walk from the start.
   template <typename Visit>
   void ForEachCellOfSteps(int first, int last, Visit&& visit) const {
-    if (byColumn_) {
-      for (int col = startCol_ + first; col <= startCol_ + last; ++col) {
-        visit(kind_ == kShallow ? RowAt(col) : startRow_, col);
-      }
-    } else {
-      for (int row = startRow_ + first; row <= startRow_ + last; ++row) {
-        visit(row, kind_ == kSteep ? ColAt(row) : startCol_);
-      }
+    // Local copies: the visitor may write through a byte pointer, which the
+    // compiler must otherwise assume could change this segment.
+    const double k = k_;
+    const double b = b_;
+    const int startCol = startCol_;
+    const int startRow = startRow_;
+    switch (kind_) {
+      case kPoint:
+      case kHorizontal:
+        for (int col = startCol + first; col <= startCol + last; ++col) visit(startRow, col);
+        return;
+      case kVertical:
+        for (int row = startRow + first; row <= startRow + last; ++row) visit(row, startCol);
+        return;
+      case kShallow:
+        for (int col = startCol + first; col <= startCol + last; ++col) {
+          visit(RowOnLine(col, k, b), col);
+        }
+        return;
+      case kSteep:
+        for (int row = startRow + first; row <= startRow + last; ++row) {
+          visit(row, ColOnLine(row, k, b));
+        }
+        return;
     }
   }
 
@@ -201,6 +213,13 @@ class Segment {
   }
 
  private:
+  static int RowOnLine(int x, double k, double b) {
+    return static_cast<int>(NearestEvenSmall(static_cast<double>(x) * k + b));
+  }
+  static int ColOnLine(int y, double k, double b) {
+    return static_cast<int>(NearestEvenSmall((static_cast<double>(y) - b) / k));
+  }
+
   // The run index of step u as the cell formula places it: m(u), or u - m(u)
   // for diagonal runs.
   int RunIndexAt(int u, bool diagonal) const {
