@@ -11,52 +11,11 @@
 #include "engine/percent_of_target.h"
 #include "engine/primary_means.h"
 #include "meter/chroma_lxy.h"
+#include "support/literal_search_stages.h"
 #include "synthetic/synthetic_chroma.h"
 
 namespace aimhue {
 namespace {
-
-const float* Floats(const TargetBlock& block) { return &block[0].L; }
-
-// The line search as written: a full coverage count of the whole block T
-// for every evaluation.
-void LiteralSearchTargets(const Aimhue& handle, TargetBlock& final, const cv::Mat& mask,
-                          const ChromaLxy& red, const ChromaLxy& green, const ChromaLxy& blue,
-                          const TargetBlock& means, const TargetBlock& corners) {
-  Coverage start;
-  ASSERT_EQ(PercentOfTarget(&red, &green, &blue, Floats(corners), start, mask), 0);
-  const float cov0[3] = {start.red, start.green, start.blue};
-  for (int p = 0; p < 3; ++p) {
-    if (handle.percentEnd[p] >= cov0[p]) {
-      final[p] = corners[p];
-      continue;
-    }
-    TargetBlock t = corners;
-    const float k = (corners[p].y - means[p].y) / (corners[p].x - means[p].x);
-    const float b = corners[p].y - corners[p].x * k;
-    float step = 0.001f;
-    float prev = 1.0f;
-    float x = corners[p].x;
-    for (int i = 0; i < handle.maxIter; ++i) {
-      Coverage coverage;
-      ASSERT_EQ(PercentOfTarget(&red, &green, &blue, Floats(t), coverage, mask), 0);
-      const float fractions[3] = {coverage.red, coverage.green, coverage.blue};
-      const float e = fractions[p] - handle.percentEnd[p];
-      if (handle.percentTol >= std::fabs(e)) break;
-      prev = prev * e;
-      if (prev < 0 && i >= 1) step = step * 0.5f;
-      prev = e;
-      if (p == 0) {
-        x = e > handle.percentTol ? x + step : x - step;
-      } else {
-        x = e > handle.percentTol ? x - step : x + step;
-      }
-      t[p].x = x;
-      t[p].y = x * k + b;
-    }
-    final[p] = t[p];
-  }
-}
 
 bool SameBits(const TargetLxy& a, const TargetLxy& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
@@ -139,7 +98,7 @@ TEST_F(RedLineSearch, VerticalLineRunsItsStepsAndEnds) {
   EXPECT_TRUE(std::isfinite(final[0].x));
   EXPECT_FALSE(std::isfinite(final[0].y));
   TargetBlock literal = {};
-  LiteralSearchTargets(handle, literal, mask, red, green, blue, means, corners);
+  literal::SearchTargets(handle, literal, mask, red, green, blue, means, corners);
   EXPECT_TRUE(SameBits(final[0], literal[0]));
 }
 
@@ -147,7 +106,7 @@ TEST_F(RedLineSearch, NoKeptLedSearchesWithNanCoverage) {
   mask.setTo(0);
   const TargetBlock final = Run();
   TargetBlock literal = {};
-  LiteralSearchTargets(handle, literal, mask, red, green, blue, means, corners);
+  literal::SearchTargets(handle, literal, mask, red, green, blue, means, corners);
   for (int p = 0; p < 3; ++p) EXPECT_TRUE(SameBits(final[p], literal[p])) << p;
   EXPECT_NE(final[0].x, corners[0].x);
 }
@@ -177,7 +136,7 @@ TEST(SearchTargets, MatchesTheLiteralSearchBitForBit) {
     TargetBlock fast = {};
     TargetBlock literal = {};
     SearchTargets(handle, fast, mask, sets[0], sets[1], sets[2], means, corners);
-    LiteralSearchTargets(handle, literal, mask, sets[0], sets[1], sets[2], means, corners);
+    literal::SearchTargets(handle, literal, mask, sets[0], sets[1], sets[2], means, corners);
     for (int p = 0; p < 3; ++p) {
       EXPECT_TRUE(SameBits(fast[p], literal[p]))
           << trial << " primary " << p << ": " << fast[p].x << " " << literal[p].x;

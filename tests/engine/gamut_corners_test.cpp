@@ -9,106 +9,21 @@
 #include <utility>
 #include <vector>
 
-#include <opencv2/imgproc.hpp>
-
 #include "common/numeric.h"
 #include "engine/primary_means.h"
 #include "meter/chroma_lxy.h"
+#include "support/literal_search_stages.h"
 #include "synthetic/synthetic_chroma.h"
 
 namespace aimhue {
 namespace {
 
-using Cells = std::vector<std::pair<int, int>>;  // (row, col)
-
-// The segment rule as written: every cell computed by the double formula
-// and rounded by NearestEven.
-Cells LiteralLineCells(int x0, int y0, int x1, int y1) {
-  Cells cells;
-  if (x0 == x1 && y0 == y1) {
-    cells.emplace_back(y0, x0);
-  } else if (y0 == y1) {
-    for (int x = std::min(x0, x1); x <= std::max(x0, x1); ++x) cells.emplace_back(y0, x);
-  } else if (x0 == x1) {
-    for (int y = std::min(y0, y1); y <= std::max(y0, y1); ++y) cells.emplace_back(y, x0);
-  } else {
-    const double k = static_cast<double>(y1 - y0) / static_cast<double>(x1 - x0);
-    const double b = y0 - x0 * k;
-    if (std::fabs(k) <= 1.0) {
-      for (int x = std::min(x0, x1); x <= std::max(x0, x1); ++x) {
-        cells.emplace_back(static_cast<int>(NearestEven(x * k + b)), x);
-      }
-    } else {
-      for (int y = std::min(y0, y1); y <= std::max(y0, y1); ++y) {
-        cells.emplace_back(y, static_cast<int>(NearestEven((y - b) / k)));
-      }
-    }
-  }
-  return cells;
-}
+using literal::Cells;
 
 Cells SegmentCells(RasterPoint p0, RasterPoint p1) {
   Cells cells;
   Segment::Between(p0, p1).ForEachCell([&cells](int row, int col) { cells.emplace_back(row, col); });
   return cells;
-}
-
-// The corner stage as written: a 32-bit raster, the mean outline times
-// 1000, every kept LED's outline, walls above 10, 16-bit 4-connected labels
-// and the scan. Inputs must be raster points.
-void LiteralGamutCorners(TargetBlock& corners, const cv::Mat& mask, const ChromaLxy& red,
-                         const ChromaLxy& green, const ChromaLxy& blue, const TargetBlock& means,
-                         cv::Mat* regionOut = nullptr) {
-  cv::Mat raster(2000, 2000, CV_32SC1, cv::Scalar(0));
-  const auto point = [](float x, float y) {
-    return std::make_pair(static_cast<int>(NearestEven(static_cast<double>(2000.0f * x))),
-                          static_cast<int>(NearestEven(static_cast<double>(2000.0f * y))));
-  };
-  const auto draw = [&raster](std::pair<int, int> p0, std::pair<int, int> p1) {
-    for (const auto& cell : LiteralLineCells(p0.first, p0.second, p1.first, p1.second)) {
-      ++raster.at<int32_t>(cell.first, cell.second);
-    }
-  };
-  const auto r = point(means[0].x, means[0].y);
-  const auto g = point(means[1].x, means[1].y);
-  const auto b = point(means[2].x, means[2].y);
-  draw(r, g);
-  draw(r, b);
-  draw(g, b);
-  raster *= 1000;
-  for (int row = 0; row < mask.rows; ++row) {
-    for (int col = 0; col < mask.cols; ++col) {
-      if (mask.at<uint8_t>(row, col) == 0) continue;
-      const auto lr = point(red.x.at<float>(row, col), red.y.at<float>(row, col));
-      const auto lg = point(green.x.at<float>(row, col), green.y.at<float>(row, col));
-      const auto lb = point(blue.x.at<float>(row, col), blue.y.at<float>(row, col));
-      draw(lr, lg);
-      draw(lr, lb);
-      draw(lg, lb);
-    }
-  }
-  cv::Mat region(2000, 2000, CV_8UC1, cv::Scalar(255));
-  region.setTo(0, raster > 10);
-  if (regionOut != nullptr) *regionOut = region.clone();
-  cv::Mat labels;
-  cv::connectedComponents(region, labels, 4, CV_16U);
-  const int seed = static_cast<int>(NearestEven(2000 * 0.33));
-  const uint16_t seedLabel = labels.at<uint16_t>(seed, seed);
-  float rx = seed, ry = seed, gx = seed, gy = seed, bx = seed, by = seed;
-  for (int i = 0; i < 2000; ++i) {
-    for (int j = 0; j < 2000; ++j) {
-      if (labels.at<uint16_t>(i, j) != seedLabel) continue;
-      if (j > rx) { rx = static_cast<float>(j); ry = static_cast<float>(i); }
-      if (i > gy) { gx = static_cast<float>(j); gy = static_cast<float>(i); }
-      if (i < by) { bx = static_cast<float>(j); by = static_cast<float>(i); }
-    }
-  }
-  corners[0].x = rx / 2000.0f;
-  corners[0].y = ry / 2000.0f;
-  corners[1].x = gx / 2000.0f;
-  corners[1].y = gy / 2000.0f;
-  corners[2].x = bx / 2000.0f;
-  corners[2].y = by / 2000.0f;
 }
 
 ChromaLxy Uniform(int count, float x, float y) {
@@ -158,7 +73,7 @@ TEST(DrawLine, MatchesTheDoubleFormulaOnRandomSegments) {
     std::uniform_int_distribution<int> coordinate(0, reach - 1);
     const int x0 = coordinate(random), y0 = coordinate(random);
     const int x1 = coordinate(random), y1 = coordinate(random);
-    ASSERT_EQ(SegmentCells({x0, y0}, {x1, y1}), LiteralLineCells(x0, y0, x1, y1))
+    ASSERT_EQ(SegmentCells({x0, y0}, {x1, y1}), literal::LineCells(x0, y0, x1, y1))
         << x0 << "," << y0 << " " << x1 << "," << y1;
   }
 }
@@ -372,7 +287,7 @@ TEST(GamutCorners, MatchesTheLiteralStageBitForBit) {
 
     cv::Mat literalRegion;
     TargetBlock expected = {};
-    LiteralGamutCorners(expected, mask, sets[0], sets[1], sets[2], means, &literalRegion);
+    literal::GamutCorners(expected, mask, sets[0], sets[1], sets[2], means, &literalRegion);
     const cv::Mat region = RegionImage(mask, sets[0], sets[1], sets[2], means);
     ASSERT_EQ(cv::countNonZero(region != literalRegion), 0) << trial;
     TargetBlock corners = {};

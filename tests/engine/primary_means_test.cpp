@@ -10,6 +10,7 @@
 
 #include "common/numeric.h"
 #include "meter/chroma_lxy.h"
+#include "support/literal_search_stages.h"
 
 namespace aimhue {
 namespace {
@@ -24,19 +25,6 @@ ChromaLxy SetFrom(const std::vector<float>& x, const std::vector<float>& y, int 
 }
 
 cv::Mat Row(std::vector<float> values) { return cv::Mat(values, true).reshape(1, 1); }
-
-// The fence as the outlier rule states it: a full ascending sort, the
-// quartile positions nearest(N x 0.25) and nearest(N x 0.75) clamped to N - 1.
-float LiteralFence(const cv::Mat& distances) {
-  cv::Mat sorted;
-  cv::sort(distances.clone().reshape(1, 1), sorted, cv::SORT_EVERY_ROW | cv::SORT_ASCENDING);
-  const int n = static_cast<int>(distances.total());
-  const int q1 = std::min(static_cast<int>(NearestEven(n * 0.25)), n - 1);
-  const int q3 = std::min(static_cast<int>(NearestEven(n * 0.75)), n - 1);
-  const float s1 = sorted.at<float>(0, q1);
-  const float s3 = sorted.at<float>(0, q3);
-  return s3 + 3.0f * (s3 - s1);
-}
 
 TEST(DistanceFence, QuartilePositionsOfTenAndSix) {
   std::vector<float> scratch;
@@ -76,7 +64,7 @@ TEST(DistanceFence, MatchesTheFullSortBitForBit) {
       for (int i = 0; i < n / 2; ++i) values[i] = values[n - 1 - i];
     }
     const cv::Mat distances = cv::Mat(values, true).reshape(1, rows);
-    EXPECT_EQ(DistanceFence(distances, scratch), LiteralFence(distances)) << trial;
+    EXPECT_EQ(DistanceFence(distances, scratch), literal::Fence(distances)) << trial;
   }
 }
 
