@@ -43,9 +43,9 @@ class WallCounter {
 
   // Adds one crossing to every cell of the segment, skipping its stretches
   // through saturated tiles. The walk goes a tile width at a time along the
-  // major axis; over steps first ... next - 1 the minor offsets
-  // nearest(u a / n) lie in [floor(first a / n), floor(next a / n) + 1]
-  // (kept with integers as the walk goes), and the stretch is skipped when
+  // major axis; over steps first ... next - 1 the cells' minor offsets lie in
+  // [floor(first a / n), floor(next a / n) + 1] (see Segment; the floor is
+  // kept with integers as the walk goes), and the stretch is skipped when
   // every tile in that band is saturated.
   void Add(const Segment& segment) {
     uint8_t* counts = counts_.data();

@@ -41,12 +41,12 @@ bool DrawLine(RasterPoint p0, RasterPoint p1, cv::Mat& raster);
 // NaN, infinite, outside [-0.00025, 0.99975)) is skipped whole; an edge of
 // the mean triangle with such an end is not drawn (the other edges are), so
 // NaN means (a dead LED in the working set) leave no mean outline.
-// The crossings are counted exactly, in 32 bits, but per run of cells
-// (Segment::ForEachRun): each run adds +1 at its first cell and -1 just past
-// its last in a difference plane of its direction, and one sweep over the
-// LEDs' bounding box sums the four planes back into counts. The mean outline
-// is marked as walls directly: weighted 1000, it is a wall whatever is added
-// to it, so the region is the same as drawing everything cell by cell.
+// Walls are counted with a small saturating counter: a cell only needs to be
+// known as more than ten crossings, and the mean outline, weighted 1000, is a
+// wall whatever is added to it, so it is marked as a wall directly. Where
+// every cell of a tile has become a wall, the stretches of later edges
+// through it are not walked (they could not change it). The region is the
+// same as counting every crossing in 32 bits cell by cell.
 cv::Mat RegionImage(const cv::Mat& mask, const ChromaLxy& red, const ChromaLxy& green,
                     const ChromaLxy& blue, const TargetBlock& means);
 

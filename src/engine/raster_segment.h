@@ -1,6 +1,5 @@
 // The chromaticity raster of the corner stage and the digital segments drawn
-// on it: which cells a segment between two raster points covers, cell by
-// cell or as runs of cells in a straight line.
+// on it: which cells a segment between two raster points covers.
 #ifndef AIMHUE_SRC_ENGINE_RASTER_SEGMENT_H_
 #define AIMHUE_SRC_ENGINE_RASTER_SEGMENT_H_
 
@@ -50,20 +49,23 @@ inline bool ToRasterPoint(float x, float y, RasterPoint& point) {
   return true;
 }
 
-// Directions of a run of cells, each from its first cell: along the row
-// (column + 1), down the column (row + 1), down-right (row + 1, column + 1)
-// and down-left (row + 1, column - 1).
-enum class RunDirection { kRight, kDown, kDownRight, kDownLeft };
-
 // The cells of the segment p0-p1, both ends included:
 // - a point: that cell; a horizontal or vertical segment: every cell of it;
 // - otherwise with k = (y1 - y0) / (x1 - x0) and b = y0 - x0 k in double:
 //   for |k| <= 1 (shallow) the cells (nearest(x k + b), x) for every x from
 //   the smaller to the larger end; for |k| > 1 (steep) the cells
 //   (y, nearest((y - b) / k)) for every y; ties to even.
-// Every cell lies in the bounding box of p0 and p1 (the rounding errors are
-// far below half a cell at raster sizes), so two raster points give raster
-// cells only.
+// Every cell lies in the bounding box of p0 and p1, so two raster points
+// give raster cells only.
+//
+// The walk: from the end with the smaller major coordinate (the column for
+// point, horizontal and shallow segments, the row otherwise), n steps along
+// the major axis while the other coordinate moves a cells in all. Exactly,
+// step u lies on the ideal line at minor offset u a / n; the formula's
+// rounding errors stay below 1e-8 cells, while an offset that is not a tie
+// lies at least 1 / (2 n) >= 1/4000 of a cell from one, so the cell of step
+// u is at minor offset nearest(u a / n), and at an exact tie at its floor or
+// ceiling. Either way it lies in [floor(u a / n), floor(u a / n) + 1].
 class Segment {
  public:
   enum Kind { kPoint, kHorizontal, kVertical, kShallow, kSteep };
@@ -153,79 +155,12 @@ class Segment {
     }
   }
 
-  // Calls run(direction, row, col, length) for runs of cells in a straight
-  // line that together cover exactly the cells of ForEachCell, each once;
-  // (row, col) is the run's first cell in `direction`.
-  //
-  // Along the major axis (columns for a shallow segment, rows for a steep
-  // one) the minor offset of step u from the start is m(u) = nearest(u a / n)
-  // with a the minor and n the major length: exactly, every cell is within
-  // half a cell of the ideal line. The formula above computes the same
-  // offsets: its rounding errors stay below 1e-8 cells, while an offset
-  // that is not a tie lies at least 1 / (2 n) >= 1/4000 of a cell from one.
-  // Where 2 u a / n is odd (an exact tie) the formula itself decides. With
-  // a <= n - a, the cells come in runs of equal m (along the major axis),
-  // each ending where 2 u a first exceeds (2 j - 1) n; otherwise in runs of
-  // equal u - m (diagonal), found the same way with n - a in place of a.
-  // So a segment costs one step per run rather than one per cell.
-  template <typename Run>
-  void ForEachRun(Run&& run) const {
-    const int n = majorLength_;
-    const int a = minorLength_;
-    const bool diagonal = a > n - a;
-    const int rate = diagonal ? n - a : a;  // how the run index grows with u
-    const RunDirection straight = byColumn_ ? RunDirection::kRight : RunDirection::kDown;
-    int first = 0;  // u of the current run's first cell
-    for (int j = 0; j <= rate; ++j) {
-      // The first u of run j + 1 (n + 1 after the last run).
-      int next = n + 1;
-      if (j < rate) {
-        const int numerator = (2 * j + 1) * n;
-        const int denominator = 2 * rate;
-        next = (numerator + denominator - 1) / denominator;
-        if (next * denominator == numerator && RunIndexAt(next, diagonal) == j) ++next;
-      }
-      const int length = next - first;
-      if (!diagonal) {
-        const int minor = minorStep_ * j;
-        if (byColumn_) {
-          run(straight, startRow_ + minor, startCol_ + first, length);
-        } else {
-          run(straight, startRow_ + first, startCol_ + minor, length);
-        }
-      } else {
-        // Cells (major u, minor u - j) for u in [first, next - 1].
-        const int firstMinor = minorStep_ * (first - j);
-        if (minorStep_ > 0) {
-          run(RunDirection::kDownRight, startRow_ + (byColumn_ ? firstMinor : first),
-              startCol_ + (byColumn_ ? first : firstMinor), length);
-        } else if (byColumn_) {
-          // Rows fall as columns grow: the run starts at its last column.
-          const int last = next - 1;
-          run(RunDirection::kDownLeft, startRow_ + minorStep_ * (last - j), startCol_ + last,
-              length);
-        } else {
-          run(RunDirection::kDownLeft, startRow_ + first, startCol_ + firstMinor, length);
-        }
-      }
-      first = next;
-    }
-  }
-
  private:
   static int RowOnLine(int x, double k, double b) {
     return static_cast<int>(NearestEvenSmall(static_cast<double>(x) * k + b));
   }
   static int ColOnLine(int y, double k, double b) {
     return static_cast<int>(NearestEvenSmall((static_cast<double>(y) - b) / k));
-  }
-
-  // The run index of step u as the cell formula places it: m(u), or u - m(u)
-  // for diagonal runs.
-  int RunIndexAt(int u, bool diagonal) const {
-    const int offset = byColumn_ ? (RowAt(startCol_ + u) - startRow_) * minorStep_
-                                 : (ColAt(startRow_ + u) - startCol_) * minorStep_;
-    return diagonal ? u - offset : offset;
   }
 
   Kind kind_ = kPoint;

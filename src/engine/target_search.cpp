@@ -28,11 +28,6 @@ TargetBlock Stored(TargetBlock block, bool keepL) {
 
 }  // namespace
 
-// Statuses: 1 for a null set, 12 for an empty set (red, blue, green), 9 when
-// the green or blue L plane differs in size from the red one. Beyond those,
-// every x and y plane must have the red L plane's size and every plane must
-// be single-channel 32-bit float (9 otherwise), so that no stage reads
-// outside a plane. On failure the record is unchanged.
 int Aimhue::Search(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue) {
   PlumeLogInfo("Aimhue::Search");
   const int status = CheckCoverageInputs(red, green, blue, cv::Mat());

@@ -78,31 +78,32 @@ TEST(DrawLine, MatchesTheDoubleFormulaOnRandomSegments) {
   }
 }
 
-// The cells of a segment's runs, sorted, against its cells one by one.
-TEST(DrawLine, RunsCoverExactlyTheSegmentsCells) {
-  std::mt19937 random(13);
-  int directions[4] = {};
-  for (int trial = 0; trial < 40000; ++trial) {
-    const int reach = trial % 4 == 0 ? kRasterSize : 30;
-    std::uniform_int_distribution<int> coordinate(0, reach - 1);
-    const RasterPoint p0{coordinate(random), coordinate(random)};
-    const RasterPoint p1{coordinate(random), coordinate(random)};
-    Cells fromRuns;
-    Segment::Between(p0, p1).ForEachRun([&](RunDirection direction, int row, int col, int length) {
-      ++directions[static_cast<int>(direction)];
-      ASSERT_GE(length, 1);
-      const int rowStep = direction == RunDirection::kRight ? 0 : 1;
-      const int colStep = direction == RunDirection::kDown       ? 0
-                          : direction == RunDirection::kDownLeft ? -1
-                                                                 : 1;
-      for (int i = 0; i < length; ++i) fromRuns.emplace_back(row + i * rowStep, col + i * colStep);
+// What the skipping of saturated stretches relies on: the cell of step u
+// lies at minor offset floor(u a / n) or one more.
+TEST(DrawLine, EveryCellIsAtTheFloorOfTheIdealOffsetOrOneAbove) {
+  std::mt19937 random(17);
+  std::uniform_int_distribution<int> coordinate(0, kRasterSize - 1);
+  for (int trial = 0; trial < 3000; ++trial) {
+    const Segment segment = Segment::Between({coordinate(random), coordinate(random)},
+                                             {coordinate(random), coordinate(random)});
+    const int n = segment.majorLength();
+    const int a = segment.minorLength();
+    int u = 0;
+    segment.ForEachCell([&](int row, int col) {
+      const int minor = segment.byColumn() ? row : col;
+      const int major = segment.byColumn() ? col : row;
+      const int start = segment.byColumn() ? segment.startCol() : segment.startRow();
+      ASSERT_EQ(major, start + u);
+      const int offset =
+          (minor - (segment.byColumn() ? segment.startRow() : segment.startCol())) *
+          segment.minorStep();
+      const int floorOffset = n == 0 ? 0 : u * a / n;
+      ASSERT_GE(offset, floorOffset);
+      ASSERT_LE(offset, floorOffset + 1);
+      ++u;
     });
-    Cells cells = SegmentCells(p0, p1);
-    std::sort(cells.begin(), cells.end());
-    std::sort(fromRuns.begin(), fromRuns.end());
-    ASSERT_EQ(fromRuns, cells) << p0.col << "," << p0.row << " " << p1.col << "," << p1.row;
+    ASSERT_EQ(u, n + 1);
   }
-  for (const int used : directions) EXPECT_GT(used, 1000);
 }
 
 TEST(RasterPoint, RoundsTheFloatProductToEvenAndRefusesWhatIsNotACell) {
@@ -297,6 +298,34 @@ TEST(GamutCorners, MatchesTheLiteralStageBitForBit) {
       EXPECT_EQ(corners[p].y, expected[p].y) << trial << " primary " << p;
     }
   }
+}
+
+// A full working set where most edges run through walls already: the
+// skipped stretches must not change a single cell.
+TEST(RegionImage, SkippingSaturatedStretchesChangesNoWall) {
+  for (const float spread : {0.0005f, 0.003f}) {
+    synthetic::ScreenOptions options;
+    options.rows = 100;
+    options.cols = 200;
+    options.deadCount = 0;
+    options.outlierCount = 0;
+    options.ledSpread = spread;
+    options.moduleSpread = spread;
+    const synthetic::ScreenPlanes planes = synthetic::GeneratePlanes(options);
+    const synthetic::ScreenChroma sets = synthetic::ChromaFromPlanes(planes);
+    const TargetBlock means = {MeanLxy(sets[0]), MeanLxy(sets[1]), MeanLxy(sets[2]), TargetLxy{}};
+    const cv::Mat mask(options.rows, options.cols, CV_8UC1, cv::Scalar(255));
+    cv::Mat literalRegion;
+    TargetBlock expected = {};
+    literal::GamutCorners(expected, mask, sets[0], sets[1], sets[2], means, &literalRegion);
+    const cv::Mat region = RegionImage(mask, sets[0], sets[1], sets[2], means);
+    EXPECT_EQ(cv::countNonZero(region != literalRegion), 0) << spread;
+  }
+  // Identical LEDs: every cell of their outline saturates at once.
+  const cv::Mat same = RegionOfIdenticalLeds(3000);
+  EXPECT_EQ(same.at<uint8_t>(600, 800), kRegionWall);
+  EXPECT_EQ(same.at<uint8_t>(601, 800), kRegionOpen);
+  EXPECT_EQ(same.at<uint8_t>(599, 800), kRegionOpen);
 }
 
 }  // namespace
