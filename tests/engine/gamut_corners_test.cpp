@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -40,6 +41,14 @@ cv::Mat KeepAll(int count) { return cv::Mat(1, count, CV_8UC1, cv::Scalar(255));
 TargetBlock FarMeans() {
   return {TargetLxy{1, 0.95f, 0.95f}, TargetLxy{1, 0.94f, 0.96f}, TargetLxy{1, 0.94f, 0.95f},
           TargetLxy{}};
+}
+
+// Corners at raster cells (column, row) of red, green and blue.
+void ExpectCornerCells(const TargetBlock& corners, const std::array<int, 6>& cells) {
+  for (int p = 0; p < 3; ++p) {
+    EXPECT_EQ(corners[p].x, static_cast<float>(cells[2 * p]) / 2000.0f) << p;
+    EXPECT_EQ(corners[p].y, static_cast<float>(cells[2 * p + 1]) / 2000.0f) << p;
+  }
 }
 
 TEST(DrawLine, CellsOfHandMadeSegments) {
@@ -202,12 +211,7 @@ TEST(GamutCorners, OnlyTheMeanTriangleGivesTheCellsJustInside) {
   GamutCorners(Aimhue(), corners, none, set, set, set, means);
   // Red: column 998 (the hypotenuse is at 999 in rows 601 and 602), topmost
   // row 601; green: row 1197 holds only column 601; blue: row 601, column 601.
-  EXPECT_EQ(corners[0].x, 998.0f / 2000.0f);
-  EXPECT_EQ(corners[0].y, 601.0f / 2000.0f);
-  EXPECT_EQ(corners[1].x, 601.0f / 2000.0f);
-  EXPECT_EQ(corners[1].y, 1197.0f / 2000.0f);
-  EXPECT_EQ(corners[2].x, 601.0f / 2000.0f);
-  EXPECT_EQ(corners[2].y, 601.0f / 2000.0f);
+  ExpectCornerCells(corners, {998, 601, 601, 1197, 601, 601});
   // L slots and white untouched.
   EXPECT_EQ(corners[0].L, 7.0f);
   EXPECT_EQ(corners[3].L, 10.0f);
@@ -224,12 +228,7 @@ TEST(GamutCorners, SeedOnAWallScansEveryWallCell) {
   GamutCorners(Aimhue(), corners, cv::Mat(1, 1, CV_8UC1, cv::Scalar(0)), set, set, set, means);
   // Red: rightmost wall column 1000, only row 660. Green: no wall row below
   // 660, so it stays at the seed. Blue: top wall row 200, the blue mean.
-  EXPECT_EQ(corners[0].x, 1000.0f / 2000.0f);
-  EXPECT_EQ(corners[0].y, 660.0f / 2000.0f);
-  EXPECT_EQ(corners[1].x, 660.0f / 2000.0f);
-  EXPECT_EQ(corners[1].y, 660.0f / 2000.0f);
-  EXPECT_EQ(corners[2].x, 600.0f / 2000.0f);
-  EXPECT_EQ(corners[2].y, 200.0f / 2000.0f);
+  ExpectCornerCells(corners, {1000, 660, 660, 660, 600, 200});
 }
 
 TEST(GamutCorners, NoWallsAtAllGiveTheRasterCorners) {
@@ -239,12 +238,7 @@ TEST(GamutCorners, NoWallsAtAllGiveTheRasterCorners) {
   const ChromaLxy set = Uniform(3, nan, nan);
   TargetBlock corners = {};
   GamutCorners(Aimhue(), corners, KeepAll(3), set, set, set, means);
-  EXPECT_EQ(corners[0].x, 1999.0f / 2000.0f);
-  EXPECT_EQ(corners[0].y, 0.0f);
-  EXPECT_EQ(corners[1].x, 0.0f);
-  EXPECT_EQ(corners[1].y, 1999.0f / 2000.0f);
-  EXPECT_EQ(corners[2].x, 0.0f);
-  EXPECT_EQ(corners[2].y, 0.0f);
+  ExpectCornerCells(corners, {1999, 0, 0, 1999, 0, 0});
 }
 
 // Random working sets: synthetic screens from tight to very wide spreads

@@ -68,22 +68,6 @@ TEST(DistanceFence, MatchesTheFullSortBitForBit) {
   }
 }
 
-TEST(MeanLxy, MeansInDoubleStoredAsFloat) {
-  const ChromaLxy set = SetFrom({0.1f, 0.2f, 0.4f}, {0.3f, 0.3f, 0.6f});
-  const TargetLxy mean = MeanLxy(set);
-  EXPECT_EQ(mean.L, 1.0f);
-  EXPECT_EQ(mean.x, static_cast<float>((double{0.1f} + double{0.2f} + double{0.4f}) / 3.0));
-  EXPECT_EQ(mean.y, static_cast<float>((double{0.3f} + double{0.3f} + double{0.6f}) / 3.0));
-}
-
-TEST(ChromaDistance, EuclideanInFloat) {
-  const ChromaLxy set = SetFrom({0.3f, 0.6f}, {0.4f, 0.0f});
-  const cv::Mat d = ChromaDistance(set, TargetLxy{99.0f, 0.3f, 0.0f});
-  EXPECT_EQ(d.at<float>(0, 0), 0.4f);
-  const float dx = 0.6f - 0.3f;
-  EXPECT_EQ(d.at<float>(0, 1), std::sqrt(dx * dx));
-}
-
 class OutlierMaskTest : public ::testing::Test {
  protected:
   // Ten LEDs in a row, at distance i / 100 from the mean (0.5, 0.5) along x
