@@ -79,7 +79,31 @@ class AIMHUE_EXPORT LedMeter {
   int SetCapture(const Capture& capture);
 
   // Validation by a bit set of MeterCheck flags; returns 0 or the code of
-  // the first failing test (1, 9 or 12) after logging its message.
+  // the first failing test (1, 9 or 12) after logging its one error line
+  // "LedMeter::Check--Error in LedMeter ...". Nothing is logged on success.
+  //
+  // Order: the tests on one meter (kCheckNotNull, kCheckHasPartition,
+  // kCheckHasLayer, kCheckChromaNotEmpty, kCheckPosNotEmpty,
+  // kCheckStateNotEmpty, kCheckTypeValid, kCheckColorValid) on `a`, then on
+  // `b`; then the pair tests (kCheckTypeSame, kCheckTypeDifferent,
+  // kCheckColorSame, kCheckChromaSizeSame, kCheckPosSizeSame,
+  // kCheckStateSizeSame, kCheckColorDifferent, kCheckTypeIsY,
+  // kCheckLayerValueSame, kCheckLayerNormsSame). The three-meter form checks
+  // (a, b), then (a, c), then only kCheckTypeDifferent and
+  // kCheckColorDifferent on (b, c).
+  //
+  // A valid type or colour is 1, 2 or 4. "Empty" is no data or no elements.
+  // Sizes compare every dimension of the planes.
+  //
+  // Behaviour a caller might not expect:
+  //  - A null meter is only reported for kCheckNotNull in its turn; without
+  //    that flag, the first other test that would read the null meter fails
+  //    with 1 and "input is nullptr" instead (a meter is never read through
+  //    a null pointer). With no test asking about it, a null meter passes.
+  //  - kCheckLayerValueSame and kCheckLayerNormsSame fail (9, with their
+  //    own messages) when either layer is absent; ask for kCheckHasLayer
+  //    first to get "layer is nullptr" instead.
+  //  - kCheckLayerNormsSame compares floats exactly: a NaN never matches.
   static int Check(uint32_t flags, const LedMeter* a);
   static int Check(uint32_t flags, const LedMeter* a, const LedMeter* b);
   static int Check(uint32_t flags, const LedMeter* a, const LedMeter* b, const LedMeter* c);

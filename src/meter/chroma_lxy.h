@@ -17,11 +17,25 @@ struct ChromaLxy {
   cv::Mat x;
   cv::Mat y;
 
-  // Checks the three meters (flags kCheckForCombine) and fills `out`; the
-  // roles are taken by position: X meter first, Y second, Z third. A colour-4
-  // primary may pass a null Z meter (Z is then zero). Status 1 when all
-  // three are null, otherwise the check's status; `out` is unchanged on
-  // failure.
+  // Checks the three meters and fills `out` with x = X / S, y = Y / S and
+  // L = Y, where S = (X + Y) + Z element by element in 32-bit floats. An LED
+  // whose sum is zero gets the IEEE quotient (0 / 0 is NaN); dead LEDs are
+  // not looked at. The roles are taken by position (X meter first, Y second,
+  // Z third); the check only makes the types distinct.
+  //
+  // Checks: the three meters with kCheckForCombine (present, chroma not
+  // empty, valid type, same chroma size, pairwise different types, same
+  // colour). A colour-4 primary may pass a null Z meter: then only (X, Y)
+  // are checked and Z is taken as zero.
+  //
+  // Statuses: 0; 1 with "ChromaLxy::Combine-- meter_x meter_y  meter_z all
+  // Nullptr" when all three are null; the check's status and message (1, 9
+  // or 12); 6 with "ChromaLxy::Combine--Error :: chroma is not a plane of
+  // 32-bit floats" when a chroma plane is not a two-dimensional,
+  // single-channel 32-bit float plane.
+  // A null meter_x beside another meter fails the check with 1 and
+  // "LedMeter::Check--Error in LedMeter input is nullptr". `out` is
+  // unchanged on any failure.
   static int Combine(ChromaLxy& out, const LedMeter* meter_x, const LedMeter* meter_y,
                      const LedMeter* meter_z);
 };
@@ -33,6 +47,8 @@ struct ChromaXYZ {
   cv::Mat Y;
   cv::Mat Z;
 
+  // The checks, statuses and messages of ChromaLxy::Combine, under the name
+  // "ChromaXYZ::Combine"; on success `out` shares the three chroma planes.
   static int Combine(ChromaXYZ& out, const LedMeter* meter_x, const LedMeter* meter_y,
                      const LedMeter* meter_z);
 };
