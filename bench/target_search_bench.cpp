@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <cstdlib>
 #include <map>
 #include <utility>
 
@@ -27,7 +28,6 @@ namespace {
 
 // The inputs and the intermediate results of one screen, made once.
 struct Fixture {
-  synthetic::ScreenPlanes planes;
   synthetic::ScreenChroma input;
   ChromaLxy red;
   ChromaLxy green;
@@ -59,8 +59,8 @@ Fixture& ScreenFixture(int cols, int rows) {
   options.cols = cols;
   options.rows = rows;
   options.deadCount = 0;
-  f.planes = synthetic::GeneratePlanes(options);
-  f.input = synthetic::ChromaFromPlanes(f.planes);
+  // The inputs a host's search gets: the screen's meters, combined.
+  if (synthetic::CombineMeters(synthetic::GenerateMeters(options), f.input) != 0) std::abort();
   Subsample(f.input[0], f.input[1], f.input[2], f.red, f.green, f.blue);
   f.means = {MeanLxy(f.red), MeanLxy(f.green), MeanLxy(f.blue), TargetLxy{}};
   f.mask = OutlierMask(f.handle, f.red, f.green, f.blue, f.means);

@@ -36,8 +36,8 @@ synthetic::ScreenOptions SmallScreen(int rows, int cols) {
 class TargetSearch : public ::testing::Test {
  protected:
   void SetUp() override {
-    planes = synthetic::GeneratePlanes(SmallScreen(60, 80));
-    sets = synthetic::ChromaFromPlanes(planes);
+    const synthetic::ScreenOptions options = SmallScreen(60, 80);
+    ASSERT_EQ(synthetic::CombineMeters(synthetic::GenerateMeters(options), sets), kOk);
     const TargetLxy sentinel{-3.0f, -3.0f, -3.0f};
     handle.target.fill(sentinel);
     handle.searchEnd.fill(sentinel);
@@ -59,7 +59,6 @@ class TargetSearch : public ::testing::Test {
     EXPECT_EQ(PercentOfTarget(&sets[0], &sets[1], &sets[2], &block[0].L, coverage, mask), kOk);
     return coverage;
   }
-  synthetic::ScreenPlanes planes;
   synthetic::ScreenChroma sets;
   Aimhue handle;
 };

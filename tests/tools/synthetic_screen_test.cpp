@@ -1,4 +1,4 @@
-#include "synthetic/synthetic_screen.h"
+#include "synthetic/synthetic_chroma.h"
 
 #include <gtest/gtest.h>
 
@@ -106,6 +106,29 @@ TEST(SyntheticScreen, MetersCarryTheTristimulusValuesAndRecords) {
                meters[p][2].chroma.at<float>(i) == 0.0f;
     }
     EXPECT_EQ(zeros, 1);
+  }
+}
+
+TEST(SyntheticScreen, CombinedMetersGiveThePlanesChromaticities) {
+  ScreenOptions options = Options();
+  options.deadCount = 2;
+  const ScreenPlanes planes = GeneratePlanes(options);
+  ScreenChroma sets;
+  ASSERT_EQ(CombineMeters(MetersFromPlanes(options, planes), sets), 0);
+  for (int p = 0; p < 3; ++p) {
+    int nan = 0;
+    for (int i = 0; i < 90 * 160; ++i) {
+      const float x = sets[p].x.at<float>(i);
+      if (std::isnan(x)) {
+        ++nan;
+        EXPECT_TRUE(std::isnan(planes[p].x.at<float>(i)));
+        continue;
+      }
+      EXPECT_NEAR(x, planes[p].x.at<float>(i), 1e-5f);
+      EXPECT_NEAR(sets[p].y.at<float>(i), planes[p].y.at<float>(i), 1e-5f);
+    }
+    EXPECT_EQ(nan, 2);
+    EXPECT_EQ(sets[p].L.data, planes[p].luminance.data);
   }
 }
 

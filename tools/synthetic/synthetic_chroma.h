@@ -14,9 +14,23 @@ namespace aimhue::synthetic {
 // Red, green, blue.
 using ScreenChroma = std::array<ChromaLxy, 3>;
 
+// The three sets as a host's search gets them: each primary's X, Y, Z
+// meters combined by ChromaLxy::Combine. Returns 0, or the status of the
+// first combination that fails (then `sets` is unchanged).
+inline int CombineMeters(const ScreenMeters& meters, ScreenChroma& sets) {
+  ScreenChroma combined;
+  for (size_t primary = 0; primary < combined.size(); ++primary) {
+    const auto& triple = meters[primary];
+    const int status = ChromaLxy::Combine(combined[primary], &triple[0], &triple[1], &triple[2]);
+    if (status != 0) return status;
+  }
+  sets = combined;
+  return 0;
+}
+
 // The generator's own luminance and chromaticity planes as the three sets,
-// shared without copying. They agree with combining the screen's meters up
-// to the rounding of the tristimulus values.
+// shared without copying, for tests that need exact chromaticities. They
+// agree with CombineMeters up to the rounding of the tristimulus values.
 inline ScreenChroma ChromaFromPlanes(const ScreenPlanes& planes) {
   ScreenChroma sets;
   for (size_t primary = 0; primary < sets.size(); ++primary) {
