@@ -6,8 +6,6 @@
 #ifndef AIMHUE_SRC_ENGINE_GAMUT_CORNERS_H_
 #define AIMHUE_SRC_ENGINE_GAMUT_CORNERS_H_
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
 
 #include <opencv2/core.hpp>

@@ -218,6 +218,17 @@ TEST(GamutCorners, OnlyTheMeanTriangleGivesTheCellsJustInside) {
   EXPECT_EQ(corners[3].y, 12.0f);
 }
 
+TEST(GamutCorners, ADiagonalWallHoldsUnderFourConnectivity) {
+  // Means at cells (1000, 600), (600, 1000), (600, 600): the red-green edge
+  // is a diagonal line of cells, which open cells cross only corner to corner.
+  const TargetBlock means = {TargetLxy{1, 0.5f, 0.3f}, TargetLxy{1, 0.3f, 0.5f},
+                             TargetLxy{1, 0.3f, 0.3f}, TargetLxy{}};
+  const ChromaLxy set = Uniform(1, 0.3f, 0.3f);
+  TargetBlock corners = {};
+  GamutCorners(Aimhue(), corners, cv::Mat(1, 1, CV_8UC1, cv::Scalar(0)), set, set, set, means);
+  ExpectCornerCells(corners, {998, 601, 601, 998, 601, 601});
+}
+
 TEST(GamutCorners, SeedOnAWallScansEveryWallCell) {
   // A horizontal mean edge through (0.33, 0.33): red (1000, 660), green
   // (400, 660), blue (600, 200).
