@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <vector>
 
 namespace aimhue::synthetic {
 namespace {
@@ -73,7 +74,18 @@ void FillPrimary(const ScreenOptions& options, int primary, PrimaryPlanes& plane
   const Random moduleY(options.seed, primary, kModuleY);
   const Random moduleLuminance(options.seed, primary, kModuleLuminance);
   const int moduleColumns = (options.cols + options.moduleCols - 1) / options.moduleCols;
+  const int moduleRows = (options.rows + options.moduleRows - 1) / options.moduleRows;
   const float minimumLuminance = 0.1f * typical.luminance;
+  // Each panel's offsets, drawn once.
+  const size_t modules = static_cast<size_t>(moduleRows) * moduleColumns;
+  std::vector<float> offsetX(modules);
+  std::vector<float> offsetY(modules);
+  std::vector<float> offsetLuminance(modules);
+  for (size_t module = 0; module < modules; ++module) {
+    offsetX[module] = options.moduleSpread * moduleX.Normal(module);
+    offsetY[module] = options.moduleSpread * moduleY.Normal(module);
+    offsetLuminance[module] = options.moduleLuminanceSpread * moduleLuminance.Normal(module);
+  }
 
   for (int row = 0; row < options.rows; ++row) {
     float* luminance = planes.luminance.ptr<float>(row);
@@ -83,13 +95,10 @@ void FillPrimary(const ScreenOptions& options, int primary, PrimaryPlanes& plane
     for (int col = 0; col < options.cols; ++col) {
       const uint64_t module = moduleRow * moduleColumns + col / options.moduleCols;
       const uint64_t led = static_cast<uint64_t>(row) * options.cols + col;
-      x[col] = typical.x + options.moduleSpread * moduleX.Normal(module) +
-               options.ledSpread * ledX.Normal(led);
-      y[col] = typical.y + options.moduleSpread * moduleY.Normal(module) +
-               options.ledSpread * ledY.Normal(led);
-      const float factor = 1.0f +
-                           options.moduleLuminanceSpread * moduleLuminance.Normal(module) +
-                           options.ledLuminanceSpread * ledLuminance.Normal(led);
+      x[col] = typical.x + offsetX[module] + options.ledSpread * ledX.Normal(led);
+      y[col] = typical.y + offsetY[module] + options.ledSpread * ledY.Normal(led);
+      const float factor =
+          1.0f + offsetLuminance[module] + options.ledLuminanceSpread * ledLuminance.Normal(led);
       luminance[col] = std::max(minimumLuminance, typical.luminance * factor);
     }
   }
