@@ -92,14 +92,16 @@ class WallCounter {
       lowMinor = std::max(lowMinor, 0);
       highMinor = std::min(highMinor, kRasterSize - 1);
       const int majorTile = major >> kTileShift;
-      int tile = (lowMinor >> kTileShift) * minorTileStride + majorTile * majorTileStride;
+      const int firstTile = (lowMinor >> kTileShift) * minorTileStride + majorTile * majorTileStride;
       const int lastTile = (highMinor >> kTileShift) * minorTileStride + majorTile * majorTileStride;
-      const int firstTile = tile;
-      bool skip = true;
-      for (; skip && tile <= lastTile; tile += minorTileStride) skip = Saturated(tile);
+      // The band is at most kTileSize + 2 cells wide, so at most three tiles:
+      // all three are tested without branching (the middle one may repeat
+      // an end).
+      const int middleTile = std::min(firstTile + minorTileStride, lastTile);
+      const bool skip = Saturated(firstTile) & Saturated(middleTile) & Saturated(lastTile);
       if (!skip) {
         segment.ForEachCellOfSteps(first, next - 1, count);
-        for (tile = firstTile; tile <= lastTile; tile += minorTileStride) MarkTouched(tile);
+        for (int tile = firstTile; tile <= lastTile; tile += minorTileStride) MarkTouched(tile);
       }
       first = next;
     }
@@ -132,7 +134,7 @@ class WallCounter {
     return static_cast<size_t>(row) * kRasterSize + static_cast<size_t>(col);
   }
 
-  bool Saturated(int tile) const { return (saturated_[tile >> 6] >> (tile & 63)) & 1; }
+  bool Saturated(int tile) const { return (saturated_[tile >> 6] >> (tile & 63)) & 1u; }
 
   void MarkTouched(int tile) {
     uint64_t& word = touched_[tile >> 6];
