@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 #include "common/numeric.h"
 #include "meter/chroma_lxy.h"
@@ -68,6 +69,8 @@ cv::Mat ChromaDistance(const ChromaLxy& set, const TargetLxy& mean) {
 
 float DistanceFence(const cv::Mat& distances, std::vector<float>& scratch) {
   const size_t count = distances.total();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  if (count == 0) return nan;
   scratch.resize(count);
   // Row by row: the plane may be a view with gaps between its rows.
   auto out = scratch.begin();
@@ -83,7 +86,6 @@ float DistanceFence(const cv::Mat& distances, std::vector<float>& scratch) {
   const auto numbers = std::partition(scratch.begin(), scratch.end(),
                                       [](float v) { return !std::isnan(v); });
   const size_t numberCount = static_cast<size_t>(numbers - scratch.begin());
-  const float nan = std::numeric_limits<float>::quiet_NaN();
   float upper = nan;
   float lower = nan;
   if (q3 < numberCount) {

@@ -5,6 +5,9 @@
 
 #include <aimhue/target.h>
 
+#include <cstdint>
+#include <vector>
+
 #include <opencv2/core.hpp>
 
 #include "engine/aimhue.h"
@@ -29,8 +32,8 @@ TargetLxy MeanLxy(const ChromaLxy& set);
 // read. Precondition: x and y are 32-bit float planes of one size.
 cv::Mat ChromaDistance(const ChromaLxy& set, const TargetLxy& mean);
 
-// The Tukey fence of one primary's distances: with N the number of
-// distances (at least one), q1 = nearest(N x 0.25) and q3 = nearest(N x 0.75)
+// The Tukey fence of one primary's distances (NaN when there are none):
+// with N the number of distances, q1 = nearest(N x 0.25) and q3 = nearest(N x 0.75)
 // (products in double, ties to even), each clamped to N - 1 (only a screen
 // of one or two LEDs needs that), and s the distances in ascending order,
 // fence = s[q3] + 3.0f x (s[q3] - s[q1]) in 32-bit floats. NaN distances

@@ -37,6 +37,7 @@ TEST(DistanceFence, QuartilePositionsOfTenAndSix) {
 TEST(DistanceFence, OneAndTwoLedsClampTheUpperQuartile) {
   std::vector<float> scratch;
   EXPECT_EQ(DistanceFence(Row({0.5f}), scratch), 0.5f);
+  EXPECT_TRUE(std::isnan(DistanceFence(cv::Mat(0, 0, CV_32FC1), scratch)));
   // q1 = nearest(0.5) = 0, q3 = nearest(1.5) = 2 -> 1: 3 + 3 x (3 - 1).
   EXPECT_EQ(DistanceFence(Row({3.0f, 1.0f}), scratch), 9.0f);
 }
