@@ -5,6 +5,7 @@
 #define AIMHUE_AIMHUE_H_
 
 #include <aimhue/api.h>
+#include <aimhue/bio.h>
 #include <aimhue/export.h>
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>

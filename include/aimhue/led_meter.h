@@ -108,7 +108,29 @@ class AIMHUE_EXPORT LedMeter {
   static int Check(uint32_t flags, const LedMeter* a, const LedMeter* b);
   static int Check(uint32_t flags, const LedMeter* a, const LedMeter* b, const LedMeter* c);
 
-  // The ".meter" file and buffer format.
+  // The ".meter" file and buffer format: 'L', version 1, color, type, the
+  // matrix blocks of state, pos and chroma, the present records (partition,
+  // LED panel, layer, capture) each behind its tag, and an end tag. add_map
+  // is not stored. Files and buffers hold the same bytes.
+  //
+  // Save: 8 when the name does not end in ".meter" (or is only that), 4 when
+  // the file cannot be opened for writing; nothing is created on either. The
+  // meter is not checked for emptiness.
+  // Load / FromBuffer: 8 and 2 (file only) as above; 1 for a null buffer;
+  // 10 when the first byte is not 'L'; 3 when the version is not 1, and also
+  // when the data ends before the end tag or holds a damaged plane or a
+  // plane of another element type than the meter's (state CV_8UC1, pos
+  // CV_32FC2, chroma CV_32FC1), logged as "<method> -- Error data in file.".
+  // Every refusal leaves the meter unchanged: the content is parsed whole
+  // before anything is stored. Records may come in any order; records the
+  // content lacks keep their values, and unknown tags (which carry no
+  // payload) are passed over.
+  // GetBufferSize: 1 for a null `size`, 5 when chroma is empty; otherwise
+  // the content's length in bytes.
+  // ToBuffer: 1 for a null buffer or size; 13 when *size is smaller than the
+  // content, with the buffer and *size untouched; otherwise copies the
+  // content and sets *size to its length.
+  // An exception inside (memory exhausted) is logged and reported as 9.
   int Save(const std::string& fullname) const;
   int Load(const std::string& fullname);
   int GetBufferSize(uint64_t* size) const;

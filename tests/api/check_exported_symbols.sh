@@ -10,6 +10,8 @@ defined=$(nm -D --defined-only "$library" | awk '{print $3}' | sed 's/@.*//')
 expected=(
   AimhueCreateHandle AimhueDestroyHandle AimhueRelease AimhueSetNGThresh
   AimhueSetPercentEnd AimhueSetPercentCalcChroma AimhueGet
+  AimhueSave AimhueLoad AimhueToBuffer AimhueFromBuffer AimhueGetBufferSize
+  AimhueVConcatMeter AimhueCalcPercentOfTarget
 )
 missing=0
 for name in "${expected[@]}"; do

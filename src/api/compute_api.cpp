@@ -1,0 +1,79 @@
+// The exported computing functions: each takes the red, green and blue
+// meter triples, combines them into luminance/chromaticity sets and hands
+// those to the engine.
+#include <aimhue/api.h>
+#include <aimhue/led_meter.h>
+#include <aimhue/status.h>
+
+#include <cstring>
+
+#include "api/mask_image.h"
+#include "common/exception_guard.h"
+#include "engine/percent_of_target.h"
+#include "meter/chroma_lxy.h"
+
+namespace aimhue {
+namespace {
+
+constexpr int kPrimaryCount = 3;
+
+using MeterTriple = const LedMeter* const*;
+
+// The three combined primaries of one call, released when it returns.
+struct Primaries {
+  ChromaLxy red;
+  ChromaLxy green;
+  ChromaLxy blue;
+};
+
+// Combines red, then green, then blue; the first failure is returned. A null
+// triple (no array at all) is refused like a triple of null meters.
+int CombinePrimaries(MeterTriple red, MeterTriple green, MeterTriple blue, Primaries& out) {
+  const MeterTriple triples[kPrimaryCount] = {red, green, blue};
+  ChromaLxy* sets[kPrimaryCount] = {&out.red, &out.green, &out.blue};
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
+    const MeterTriple triple = triples[primary];
+    if (triple == nullptr) return kNullInput;
+    const int status = ChromaLxy::Combine(*sets[primary], triple[0], triple[1], triple[2]);
+    if (status != kOk) return status;
+  }
+  return kOk;
+}
+
+}  // namespace
+}  // namespace aimhue
+
+using aimhue::GuardExceptions;
+using aimhue::kNullInput;
+using aimhue::kOk;
+using aimhue::kOutOfRange;
+using aimhue::Primaries;
+
+extern "C" {
+
+int AimhueCalcPercentOfTarget(const aimhue::LedMeter* const* red,
+                              const aimhue::LedMeter* const* green,
+                              const aimhue::LedMeter* const* blue, const float* targets,
+                              float* out_percent, const AimhueImage* mask, int count) {
+  if (count != aimhue::kPrimaryCount) return kOutOfRange;
+  if (targets == nullptr || out_percent == nullptr) return kNullInput;
+  return GuardExceptions("AimhueCalcPercentOfTarget", [&] {
+    Primaries primaries;
+    int status = CombinePrimaries(red, green, blue, primaries);
+    if (status != kOk) return status;
+    cv::Mat maskPlane;  // empty: every LED counts
+    if (mask != nullptr) {
+      status = aimhue::CopyMaskImage(*mask, maskPlane);
+      if (status != kOk) return status;
+    }
+    aimhue::Coverage coverage{};
+    status = aimhue::PercentOfTarget(&primaries.red, &primaries.green, &primaries.blue, targets,
+                                     coverage, maskPlane);
+    if (status != kOk) return status;
+    const float fractions[4] = {coverage.red, coverage.green, coverage.blue, coverage.all};
+    std::memcpy(out_percent, fractions, sizeof fractions);
+    return static_cast<int>(kOk);
+  });
+}
+
+}  // extern "C"

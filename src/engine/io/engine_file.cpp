@@ -1,0 +1,127 @@
+// The engine's ".aimhue" file and buffer format: a 169-byte image of the
+// results, little-endian and packed:
+//   'L', version 1 (32-bit signed), percentCalcChroma (4 floats), ngLimit,
+//   target, searchEnd, searchStart (12 floats each, red, green, blue, white,
+//   each L, x, y).
+// The settings (percentEnd, ngThresh) and the tuning block are not part of
+// the image and keep their values across a load.
+//
+// Loading reads the whole image before storing anything: an image shorter
+// than 169 bytes is refused with 3 and leaves the record unchanged. Bytes
+// after the image are ignored.
+#include <aimhue/plume_log.h>
+#include <aimhue/status.h>
+
+#include "capture/byte_stream.h"
+#include "capture/file_format.h"
+#include "common/exception_guard.h"
+#include "engine/aimhue.h"
+
+namespace aimhue {
+namespace {
+
+constexpr char kEngineExtension[] = ".aimhue";
+constexpr uint32_t kEngineVersion = 1;
+constexpr uint64_t kImageBytes = 169;
+
+// The persisted part of the record.
+struct EngineResults {
+  Fractions percentCalcChroma;
+  float ngLimit;
+  TargetBlock target;
+  TargetBlock searchEnd;
+  TargetBlock searchStart;
+};
+
+void WriteBlock(const TargetBlock& block, ByteWriter& out) {
+  for (const TargetLxy& point : block) {
+    out.WriteF32(point.L);
+    out.WriteF32(point.x);
+    out.WriteF32(point.y);
+  }
+}
+
+bool ReadBlock(ByteReader& in, TargetBlock& block) {
+  for (TargetLxy& point : block) {
+    if (!in.ReadF32(point.L) || !in.ReadF32(point.x) || !in.ReadF32(point.y)) return false;
+  }
+  return true;
+}
+
+std::string Serialize(const Aimhue& engine) {
+  std::string image;
+  image.reserve(kImageBytes);
+  ByteWriter out(image);
+  WriteHeader(out, kEngineVersion);
+  for (float fraction : engine.percentCalcChroma) out.WriteF32(fraction);
+  out.WriteF32(engine.ngLimit);
+  WriteBlock(engine.target, out);
+  WriteBlock(engine.searchEnd, out);
+  WriteBlock(engine.searchStart, out);
+  return image;
+}
+
+int Parse(const char* who, const char* data, size_t size, Aimhue& engine) {
+  ByteReader in(data, size);
+  const int status = ReadHeader(who, in, kEngineVersion);
+  if (status != kOk) return status;
+  EngineResults results;
+  bool complete = true;
+  for (float& fraction : results.percentCalcChroma) complete = complete && in.ReadF32(fraction);
+  complete = complete && in.ReadF32(results.ngLimit) && ReadBlock(in, results.target) &&
+             ReadBlock(in, results.searchEnd) && ReadBlock(in, results.searchStart);
+  if (!complete) return DataError(who);
+  engine.percentCalcChroma = results.percentCalcChroma;
+  engine.ngLimit = results.ngLimit;
+  engine.target = results.target;
+  engine.searchEnd = results.searchEnd;
+  engine.searchStart = results.searchStart;
+  return kOk;
+}
+
+}  // namespace
+
+int Aimhue::Save(const std::string& fullname) const {
+  constexpr char kWho[] = "Aimhue::Save";
+  PlumeLogInfo(kWho);
+  return GuardExceptions(kWho, [&] {
+    return SaveFormatFile(kWho, fullname, kEngineExtension, [&] { return Serialize(*this); });
+  });
+}
+
+int Aimhue::Load(const std::string& fullname) {
+  constexpr char kWho[] = "Aimhue::Load";
+  PlumeLogInfo(kWho);
+  return GuardExceptions(kWho, [&] {
+    return LoadFormatFile(kWho, fullname, kEngineExtension, [&](const char* data, size_t size) {
+      return Parse(kWho, data, size, *this);
+    });
+  });
+}
+
+int Aimhue::ToBuffer(char* buffer, uint64_t* size) const {
+  constexpr char kWho[] = "Aimhue::ToBuffer";
+  PlumeLogInfo(kWho);
+  return GuardExceptions(kWho, [&] { return CopyToOutputBuffer(Serialize(*this), buffer, size); });
+}
+
+int Aimhue::FromBuffer(const char* buffer, int64_t size) {
+  constexpr char kWho[] = "Aimhue::FromBuffer";
+  PlumeLogInfo(kWho);
+  if (buffer == nullptr) return kNullInput;
+  if (size < 0) {
+    PlumeLogError("%s--Error :: negative buffer size.", kWho);
+    return kOutOfRange;
+  }
+  return GuardExceptions(kWho,
+                         [&] { return Parse(kWho, buffer, static_cast<size_t>(size), *this); });
+}
+
+int Aimhue::GetBufferSize(uint64_t* size) const {
+  PlumeLogInfo("Aimhue::GetBufferSize");
+  if (size == nullptr) return kNullInput;
+  *size = kImageBytes;
+  return kOk;
+}
+
+}  // namespace aimhue

@@ -1,0 +1,58 @@
+#!/usr/bin/python3
+"""Writes the hostile inputs kept under tests/data/ (run from anywhere with
+/usr/bin/python3 tests/data/make_bad_inputs.py). Each name says what is wrong
+with the file; tests load every one of them and expect a clean refusal.
+"""
+import os
+import struct
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+END_TAG = 0xFFFFFFFF
+
+
+def words(*values):
+    return struct.pack("<%dI" % len(values), *(v & 0xFFFFFFFF for v in values))
+
+
+def block(rows, cols, type_code, channels, payload=b""):
+    return struct.pack("<4i", rows, cols, type_code, channels) + payload
+
+
+EMPTY = block(0, 0, 0, 0)
+CHROMA = block(1, 2, 5, 1, struct.pack("<2f", 1.0, 2.0))
+
+
+def meter(*parts):
+    return b"L" + words(1, 2, 2) + b"".join(parts)
+
+
+FILES = {
+    # A chroma plane declared as 65536 x 65536 floats with 8 bytes behind it.
+    "meter_chroma_declares_16gib.meter":
+        meter(EMPTY, EMPTY, block(65536, 65536, 5, 1, b"\0" * 8), words(END_TAG)),
+    # Rows and cols at the int limit and the most channels: the product
+    # overflows 64 bits if it is formed naively.
+    "meter_chroma_size_overflows_64_bits.meter":
+        meter(EMPTY, EMPTY, block(0x7FFFFFFF, 0x7FFFFFFF, 6, 512), words(END_TAG)),
+    "meter_without_end_tag.meter": meter(EMPTY, EMPTY, CHROMA, words(16, 1, 0, 1)),
+    # Thousands of unknown tags and then the end of the data.
+    "meter_endless_unknown_tags.meter": meter(EMPTY, EMPTY, CHROMA, words(*([77] * 4096))),
+    "meter_layer_record_cut_short.meter": meter(EMPTY, EMPTY, CHROMA, words(16, 1)),
+    "meter_pos_with_one_channel.meter":
+        meter(EMPTY, block(1, 2, 5, 1, struct.pack("<2f", 0, 0)), CHROMA, words(END_TAG)),
+    "meter_chroma_with_zero_channels.meter":
+        meter(EMPTY, EMPTY, block(1, 2, 5, 0, b"\0" * 8), words(END_TAG)),
+    "engine_image_cut_at_100_bytes.aimhue":
+        (b"L" + words(1) + struct.pack("<5f", 1, 1, 1, 1, 0.8) + b"\0" * 144)[:100],
+    "engine_mark_only.aimhue": b"L",
+}
+
+
+def main():
+    for name, data in FILES.items():
+        with open(os.path.join(HERE, name), "wb") as f:
+            f.write(data)
+
+
+if __name__ == "__main__":
+    main()

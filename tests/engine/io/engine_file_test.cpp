@@ -1,0 +1,140 @@
+#include <aimhue/status.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "engine/aimhue.h"
+#include "support/log_capture.h"
+#include "support/temp_dir.h"
+
+namespace aimhue {
+namespace {
+
+using ::aimhue::testing::LogCapture;
+using ::aimhue::testing::ReadFileBytes;
+using ::aimhue::testing::TempDir;
+using Lines = std::vector<std::string>;
+
+std::string Image(const Aimhue& engine) {
+  std::string buffer(169, '\0');
+  uint64_t size = buffer.size();
+  EXPECT_EQ(engine.ToBuffer(buffer.data(), &size), kOk);
+  return buffer;
+}
+
+bool SameRecord(const Aimhue& a, const Aimhue& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+// Distinct values in every stored field and non-default settings.
+Aimhue Searched() {
+  Aimhue engine;
+  float value = 0.25f;
+  for (TargetBlock* block : {&engine.target, &engine.searchEnd, &engine.searchStart}) {
+    for (TargetLxy& point : *block) point = {value += 1.0f, value += 0.001f, value += 0.002f};
+  }
+  engine.percentCalcChroma = {0.5f, 0.25f, 0.125f, 1.0f};
+  engine.ngLimit = 0.71f;
+  engine.ngThresh = 0.2f;
+  engine.percentEnd = {0.9f, 0.9f, 0.9f, 0.9f};
+  return engine;
+}
+
+TEST(EngineFile, FreshImageStartsWithMarkVersionFractionsAndLimit) {
+  const unsigned char start[] = {0x4C, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x80, 0x3F,
+                                 0x00, 0x00, 0x80, 0x3F, 0x00, 0x00, 0x80, 0x3F, 0x00,
+                                 0x00, 0x80, 0x3F, 0xCD, 0xCC, 0x4C, 0x3F};
+  const std::string image = Image(Aimhue());
+  EXPECT_EQ(image.substr(0, 25), std::string(reinterpret_cast<const char*>(start), 25));
+  EXPECT_EQ(image.substr(25), std::string(144, '\0'));  // zeroed blocks
+  uint64_t size = 0;
+  EXPECT_EQ(Aimhue().GetBufferSize(&size), kOk);
+  EXPECT_EQ(size, 169u);
+}
+
+TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
+  TempDir dir;
+  const Aimhue saved = Searched();
+  ASSERT_EQ(saved.Save(dir.Path("run.aimhue")), kOk);
+  EXPECT_EQ(ReadFileBytes(dir.Path("run.aimhue")), Image(saved));
+
+  Aimhue expected = saved;  // the results of `saved`, the settings of a fresh record
+  const Aimhue fresh;
+  expected.ngThresh = fresh.ngThresh;
+  expected.percentEnd = fresh.percentEnd;
+  Aimhue fromFile;
+  ASSERT_EQ(fromFile.Load(dir.Path("run.aimhue")), kOk);
+  EXPECT_TRUE(SameRecord(fromFile, expected));
+  Aimhue fromBuffer;
+  const std::string image = Image(saved) + "trailing bytes are ignored";
+  ASSERT_EQ(fromBuffer.FromBuffer(image.data(), static_cast<int64_t>(image.size())), kOk);
+  EXPECT_TRUE(SameRecord(fromBuffer, expected));
+}
+
+TEST(EngineFile, CallerBufferRules) {
+  const Aimhue engine = Searched();
+  std::string buffer(200, '#');
+  uint64_t size = 168;
+  EXPECT_EQ(engine.ToBuffer(buffer.data(), &size), kBufferTooSmall);
+  EXPECT_EQ(size, 168u);
+  EXPECT_EQ(buffer, std::string(200, '#'));
+  EXPECT_EQ(engine.ToBuffer(nullptr, &size), kNullInput);
+  EXPECT_EQ(engine.ToBuffer(buffer.data(), nullptr), kNullInput);
+  EXPECT_EQ(engine.GetBufferSize(nullptr), kNullInput);
+  size = 200;
+  EXPECT_EQ(engine.ToBuffer(buffer.data(), &size), kOk);
+  EXPECT_EQ(size, 169u);
+  EXPECT_EQ(buffer.substr(169), std::string(31, '#'));
+}
+
+TEST(EngineFile, RefusedImagesLeaveTheRecordUnchanged) {
+  TempDir dir;
+  const std::string image = Image(Aimhue());
+  const struct {
+    std::string bytes;
+    int status;
+    std::string problem;
+  } cases[] = {
+      {"B" + image.substr(1), kBadByteOrderMark, "Error file endianness."},
+      {"L\x02" + image.substr(2), kBadVersion, "Error version in file."},
+      {"L", kBadVersion, "Error version in file."},
+      {image.substr(0, 5), kBadVersion, "Error data in file."},
+      {image.substr(0, 168), kBadVersion, "Error data in file."},
+  };
+  for (const auto& c : cases) {
+    Aimhue engine = Searched();
+    const Aimhue before = engine;
+    LogCapture log;
+    EXPECT_EQ(engine.FromBuffer(c.bytes.data(), static_cast<int64_t>(c.bytes.size())), c.status);
+    EXPECT_EQ(engine.Load(dir.Write("bad.aimhue", c.bytes)), c.status);
+    EXPECT_EQ(log.Errors(),
+              (Lines{"Aimhue::FromBuffer -- " + c.problem, "Aimhue::Load -- " + c.problem}));
+    EXPECT_TRUE(SameRecord(engine, before));
+  }
+  Aimhue engine;
+  LogCapture log;
+  EXPECT_EQ(engine.FromBuffer(nullptr, 169), kNullInput);
+  EXPECT_EQ(engine.FromBuffer(image.data(), -1), kOutOfRange);
+  EXPECT_EQ(log.Errors(), Lines{"Aimhue::FromBuffer--Error :: negative buffer size."});
+}
+
+TEST(EngineFile, NamesAndOpenFailures) {
+  TempDir dir;
+  const Aimhue engine;
+  Aimhue loaded;
+  LogCapture log;
+  EXPECT_EQ(engine.Save(dir.Path("run.txt")), kBadExtension);
+  EXPECT_FALSE(std::filesystem::exists(dir.Path("run.txt")));
+  EXPECT_EQ(engine.Save(".aimhue"), kBadExtension);
+  EXPECT_EQ(loaded.Load(dir.Path("run.AIMHUE")), kBadExtension);
+  EXPECT_EQ(engine.Save(dir.Path("no/run.aimhue")), kOpenWriteFailed);
+  EXPECT_EQ(loaded.Load(dir.Path("none.aimhue")), kOpenReadFailed);
+  EXPECT_EQ(log.Errors(),
+            (Lines{"Aimhue::Save--Error :: ext filename mismatch.",
+                   "Aimhue::Save--Error :: ext filename mismatch.",
+                   "Aimhue::Load--Error :: ext filename mismatch.",
+                   "Aimhue::Save -- Failed to Open file. fullname = " + dir.Path("no/run.aimhue"),
+                   "Aimhue::Load -- Failed to Open file. fullname = " +
+                       dir.Path("none.aimhue")}));
+}
+
+}  // namespace
+}  // namespace aimhue

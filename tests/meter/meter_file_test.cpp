@@ -1,0 +1,195 @@
+#include <aimhue/led_meter.h>
+#include <aimhue/status.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "capture/byte_stream.h"
+#include "support/log_capture.h"
+#include "support/temp_dir.h"
+
+namespace aimhue {
+namespace {
+
+using ::aimhue::testing::LogCapture;
+using ::aimhue::testing::ReadFileBytes;
+using ::aimhue::testing::TempDir;
+using Lines = std::vector<std::string>;
+
+// The content a meter writes (ToBuffer with room to spare).
+std::string Content(const LedMeter& meter) {
+  std::string buffer(1 << 16, '\0');
+  uint64_t size = buffer.size();
+  EXPECT_EQ(meter.ToBuffer(buffer.data(), &size), kOk);
+  buffer.resize(size);
+  return buffer;
+}
+
+std::string Words(std::initializer_list<uint32_t> words) {
+  std::string bytes;
+  ByteWriter out(bytes);
+  for (uint32_t word : words) out.WriteU32(word);
+  return bytes;
+}
+
+// 2 x 3 float chroma, empty state and pos, only a Layer record.
+LedMeter LayerOnlyMeter() {
+  LedMeter meter;
+  meter.color = 2;
+  meter.type = CIE_Y;
+  meter.chroma = (cv::Mat_<float>(2, 3) << 1, 2, 3, 4, 5, 6);
+  meter.SetLayer(Layer{7, 0.5f, 128});
+  return meter;
+}
+
+LedMeter FullMeter() {
+  LedMeter meter;
+  meter.color = 4;
+  meter.type = CIE_Z;
+  meter.state = (cv::Mat_<uchar>(2, 2) << 0, 1, 2, 255);
+  meter.pos = cv::Mat(2, 2, CV_32FC2);
+  cv::randu(meter.pos, -100.0, 100.0);
+  meter.chroma = (cv::Mat_<float>(2, 2) << std::numeric_limits<float>::quiet_NaN(), -0.0f,
+                  std::numeric_limits<float>::denorm_min(), 3.25f);
+  meter.SetPartition(Partition{1, 2, 3, 4, 10, 20});
+  meter.SetLedPanel(LedPanel{1, 2, 3, 16, 8, 2.5f});
+  meter.SetLayer(Layer{-1, 0.75f, 64});
+  meter.SetCapture(Capture{100, 2, 8, -3, 5});
+  return meter;
+}
+
+TEST(MeterFile, LayerOnlyMeterIs105BytesInFilesAndBuffers) {
+  std::string expected = "L" + Words({1, 2, CIE_Y, 0, 0, 0, 0, 0, 0, 0, 0, 2, 3, CV_32FC1, 1});
+  ByteWriter out(expected);
+  for (float value : {1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f}) out.WriteF32(value);
+  out.WriteU32(16);
+  out.WriteI32(7);
+  out.WriteF32(0.5f);
+  out.WriteI32(128);
+  out.WriteU32(0xFFFFFFFFu);
+  ASSERT_EQ(expected.size(), 105u);
+
+  const LedMeter meter = LayerOnlyMeter();
+  EXPECT_EQ(Content(meter), expected);
+  uint64_t size = 0;
+  EXPECT_EQ(meter.GetBufferSize(&size), kOk);
+  EXPECT_EQ(size, 105u);
+  TempDir dir;
+  ASSERT_EQ(meter.Save(dir.Path("a.meter")), kOk);
+  EXPECT_EQ(ReadFileBytes(dir.Path("a.meter")), expected);
+}
+
+TEST(MeterFile, FileAndBufferRoundTripsAreBitIdentical) {
+  const LedMeter meter = FullMeter();
+  const std::string content = Content(meter);
+  uint64_t size = 0;
+  ASSERT_EQ(meter.GetBufferSize(&size), kOk);
+  EXPECT_EQ(size, content.size());
+  LedMeter fromBuffer;
+  ASSERT_EQ(fromBuffer.FromBuffer(content.data(), content.size()), kOk);
+  EXPECT_EQ(Content(fromBuffer), content);
+  EXPECT_TRUE(std::isnan(fromBuffer.chroma.at<float>(0, 0)));
+
+  TempDir dir;
+  ASSERT_EQ(meter.Save(dir.Path("full.meter")), kOk);
+  LedMeter fromFile;
+  ASSERT_EQ(fromFile.Load(dir.Path("full.meter")), kOk);
+  EXPECT_EQ(Content(fromFile), content);
+}
+
+TEST(MeterFile, RecordsInAnyOrderUnknownTagsAndKeptRecords) {
+  // Capture before Layer, an unknown tag between them, no Partition.
+  const std::string content =
+      "L" + Words({1, 1, CIE_X, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, CV_32FC1, 1, 0x3F800000}) +
+      Words({2, 11, 12, 13, 14, 15, 77, 16, 3, 0x3F000000, 9, 0xFFFFFFFFu});
+  LedMeter meter;
+  meter.SetPartition(Partition{0, 0, 1, 1, 5, 5});
+  meter.SetLayer(Layer{1, 1.0f, 1});
+  meter.add_map = cv::Mat::ones(2, 2, CV_8UC1);
+  const uchar* addMap = meter.add_map.data;
+  ASSERT_EQ(meter.FromBuffer(content.data(), content.size()), kOk);
+  ASSERT_NE(meter.capture, nullptr);
+  EXPECT_EQ(meter.capture->exposure, 11);
+  EXPECT_EQ(meter.capture->filter, 15);
+  EXPECT_EQ(meter.layer->index, 3);
+  EXPECT_EQ(meter.layer->linear_norms, 0.5f);
+  ASSERT_NE(meter.partition, nullptr);  // not in the content: kept
+  EXPECT_EQ(meter.partition->screen_w, 5);
+  EXPECT_EQ(meter.led_panel, nullptr);
+  EXPECT_EQ(meter.add_map.data, addMap);  // never stored, never loaded
+  EXPECT_EQ(meter.chroma.at<float>(0, 0), 1.0f);
+}
+
+// Every refused content leaves the loading meter exactly as it was, from a
+// buffer and from a file alike.
+void ExpectRefused(const std::string& content, int status, const std::string& problem) {
+  TempDir dir;
+  LedMeter meter = FullMeter();
+  const std::string before = Content(meter);
+  LogCapture log;
+  EXPECT_EQ(meter.FromBuffer(content.data(), content.size()), status);
+  EXPECT_EQ(meter.Load(dir.Write("bad.meter", content)), status);
+  EXPECT_EQ(log.Errors(),
+            (Lines{"LedMeter::FromBuffer -- " + problem, "LedMeter::Load -- " + problem}));
+  EXPECT_EQ(Content(meter), before);
+}
+
+TEST(MeterFile, RefusedContentsLeaveTheMeterUnchanged) {
+  const std::string content = Content(FullMeter());
+  ExpectRefused("B" + content.substr(1), kBadByteOrderMark, "Error file endianness.");
+  ExpectRefused("", kBadByteOrderMark, "Error file endianness.");
+  ExpectRefused("L" + Words({2}) + content.substr(5), kBadVersion, "Error version in file.");
+  for (size_t length = 5; length < content.size(); ++length) {
+    SCOPED_TRACE(length);
+    ExpectRefused(content.substr(0, length), kBadVersion, "Error data in file.");
+  }
+  // A chroma plane of 8-bit samples is not a meter's chroma.
+  ExpectRefused("L" + Words({1, 1, CIE_X, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, CV_8UC1, 1}) + "\x01" +
+                    Words({0xFFFFFFFFu}),
+                kBadVersion, "Error data in file.");
+}
+
+TEST(MeterFile, NamesAreCheckedBeforeAnyFileIsTouched) {
+  TempDir dir;
+  const LedMeter meter = LayerOnlyMeter();
+  LedMeter loaded;
+  LogCapture log;
+  EXPECT_EQ(meter.Save(dir.Path("a.METER")), kBadExtension);
+  EXPECT_EQ(meter.Save(".meter"), kBadExtension);
+  EXPECT_FALSE(std::filesystem::exists(dir.Path("a.METER")));
+  EXPECT_EQ(loaded.Load(dir.Path("a.txt")), kBadExtension);
+  EXPECT_EQ(loaded.Load(dir.Path("missing.meter")), kOpenReadFailed);
+  EXPECT_EQ(meter.Save(dir.Path("no/dir.meter")), kOpenWriteFailed);
+  EXPECT_EQ(log.Errors(),
+            (Lines{"LedMeter::Save--Error :: ext filename mismatch.",
+                   "LedMeter::Save--Error :: ext filename mismatch.",
+                   "LedMeter::Load--Error :: ext filename mismatch.",
+                   "LedMeter::Load -- Failed to Open file. fullname = " + dir.Path("missing.meter"),
+                   "LedMeter::Save -- Failed to Open file. fullname = " +
+                       dir.Path("no/dir.meter")}));
+  EXPECT_EQ(log.Infos(), (Lines{"LedMeter::Save", "LedMeter::Save", "LedMeter::Load",
+                                "LedMeter::Load", "LedMeter::Save"}));
+}
+
+TEST(MeterFile, CallerBufferRules) {
+  const LedMeter meter = LayerOnlyMeter();
+  std::string buffer(105, '#');
+  uint64_t size = 104;
+  EXPECT_EQ(meter.ToBuffer(buffer.data(), &size), kBufferTooSmall);
+  EXPECT_EQ(size, 104u);
+  EXPECT_EQ(buffer, std::string(105, '#'));
+  EXPECT_EQ(meter.ToBuffer(nullptr, &size), kNullInput);
+  EXPECT_EQ(meter.ToBuffer(buffer.data(), nullptr), kNullInput);
+  EXPECT_EQ(meter.GetBufferSize(nullptr), kNullInput);
+  LedMeter empty;
+  EXPECT_EQ(empty.FromBuffer(nullptr, 10), kNullInput);
+  EXPECT_EQ(empty.GetBufferSize(&size), kEmptyInput);
+  // An empty meter can still be written: header, three empty blocks, end tag.
+  size = 200;
+  EXPECT_EQ(empty.ToBuffer(buffer.data(), &size), kOk);
+  EXPECT_EQ(size, 13u + 48u + 4u);
+}
+
+}  // namespace
+}  // namespace aimhue
