@@ -13,6 +13,7 @@
 #include "common/numeric.h"
 #include "engine/primary_means.h"
 #include "meter/chroma_lxy.h"
+#include "support/chroma_sets.h"
 #include "support/literal_search_stages.h"
 #include "synthetic/synthetic_chroma.h"
 
@@ -27,13 +28,7 @@ Cells SegmentCells(RasterPoint p0, RasterPoint p1) {
   return cells;
 }
 
-ChromaLxy Uniform(int count, float x, float y) {
-  ChromaLxy set;
-  set.L = cv::Mat(1, count, CV_32FC1, cv::Scalar(1.0f));
-  set.x = cv::Mat(1, count, CV_32FC1, cv::Scalar(x));
-  set.y = cv::Mat(1, count, CV_32FC1, cv::Scalar(y));
-  return set;
-}
+ChromaLxy Uniform(int count, float x, float y) { return testing::UniformSet(1, count, x, y); }
 
 cv::Mat KeepAll(int count) { return cv::Mat(1, count, CV_8UC1, cv::Scalar(255)); }
 

@@ -10,18 +10,14 @@
 
 #include "common/numeric.h"
 #include "meter/chroma_lxy.h"
+#include "support/chroma_sets.h"
 #include "support/literal_search_stages.h"
 
 namespace aimhue {
 namespace {
 
 ChromaLxy SetFrom(const std::vector<float>& x, const std::vector<float>& y, int rows = 1) {
-  ChromaLxy set;
-  const int cols = static_cast<int>(x.size()) / rows;
-  set.x = cv::Mat(x, true).reshape(1, rows);
-  set.y = cv::Mat(y, true).reshape(1, rows);
-  set.L = cv::Mat(rows, cols, CV_32FC1, cv::Scalar(1.0f));
-  return set;
+  return testing::SetFromPlanes(cv::Mat(x, true).reshape(1, rows), cv::Mat(y, true).reshape(1, rows));
 }
 
 cv::Mat Row(std::vector<float> values) { return cv::Mat(values, true).reshape(1, 1); }
