@@ -12,7 +12,6 @@ namespace {
 constexpr float kInitialStep = 0.001f;
 constexpr float kStepFactor = 0.5f;
 constexpr float kInitialPreviousError = 1.0f;
-constexpr int kRed = 0;
 
 }  // namespace
 
@@ -43,7 +42,7 @@ void SearchTargets(const Aimhue& handle, TargetBlock& final, const cv::Mat& mask
     // The red target moves towards +x while too many LEDs reach it; green
     // and blue targets lie on the other side of their means' x, so they move
     // the other way.
-    const float outward = primary == kRed ? 1.0f : -1.0f;
+    const float outward = primary == kRedTarget ? 1.0f : -1.0f;
 
     TargetLxy moving = corner;
     float step = kInitialStep;

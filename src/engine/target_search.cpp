@@ -14,15 +14,13 @@
 namespace aimhue {
 namespace {
 
-constexpr int kWhite = 3;
-
 // Zeroes what the search leaves without a result: the white entry, and the
 // primaries' L when `keepL` is false.
 TargetBlock Stored(TargetBlock block, bool keepL) {
-  for (int primary = 0; primary < kWhite; ++primary) {
+  for (int primary = 0; primary < kWhiteTarget; ++primary) {
     if (!keepL) block[primary].L = 0.0f;
   }
-  block[kWhite] = TargetLxy{0.0f, 0.0f, 0.0f};
+  block[kWhiteTarget] = TargetLxy{0.0f, 0.0f, 0.0f};
   return block;
 }
 
@@ -39,9 +37,9 @@ int Aimhue::Search(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy
   Subsample(*red, *green, *blue, redWork, greenWork, blueWork);
 
   TargetBlock means = {};
-  means[0] = MeanLxy(redWork);
-  means[1] = MeanLxy(greenWork);
-  means[2] = MeanLxy(blueWork);
+  means[kRedTarget] = MeanLxy(redWork);
+  means[kGreenTarget] = MeanLxy(greenWork);
+  means[kBlueTarget] = MeanLxy(blueWork);
 
   const cv::Mat mask = OutlierMask(*this, redWork, greenWork, blueWork, means);
 
