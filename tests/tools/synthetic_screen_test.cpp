@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "support/temp_dir.h"
+
 namespace aimhue::synthetic {
 namespace {
 
@@ -138,6 +140,27 @@ TEST(SyntheticScreen, NoLedsGiveEmptyPlanes) {
   const ScreenPlanes planes = GeneratePlanes(options);
   EXPECT_TRUE(planes[0].x.empty());
   EXPECT_TRUE(GenerateMeters(options)[2][2].chroma.empty());
+}
+
+TEST(SyntheticScreen, MeterFilesLoadBackAsTheNineMeters) {
+  const testing::TempDir folder;
+  ScreenOptions options = Options();
+  options.rows = 6;
+  options.cols = 8;
+  const ScreenMeters meters = GenerateMeters(options);
+  ASSERT_EQ(WriteMeterFiles(meters, folder.Path("")), 0);
+  EXPECT_EQ(MeterFilePath(folder.Path(""), 2, 1), folder.Path("blue_Y.meter"));
+  for (int primary = 0; primary < 3; ++primary) {
+    for (int axis = 0; axis < 3; ++axis) {
+      LedMeter loaded;
+      ASSERT_EQ(loaded.Load(MeterFilePath(folder.Path(""), primary, axis)), 0);
+      EXPECT_EQ(loaded.color, meters[primary][axis].color);
+      EXPECT_EQ(loaded.type, meters[primary][axis].type);
+      EXPECT_TRUE(Identical(loaded.chroma, meters[primary][axis].chroma));
+    }
+  }
+  // Into a directory that does not exist: the first save cannot open its file.
+  EXPECT_EQ(WriteMeterFiles(meters, folder.Path("missing")), 4);
 }
 
 }  // namespace

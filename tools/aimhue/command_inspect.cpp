@@ -50,8 +50,7 @@ void AddInspectCommand(CLI::App& app, int& exit_status) {
       " and non-finite counts), the LEDs marked dead in its state plane, and its partition, LED"
       " panel, layer and capture records. For a .shot file: its type, the image's size, element"
       " type and statistics, and its colour, partition, LED panel, layer, capture, pattern and"
-      " device records (in builds whose library loads them; otherwise the file is reported as not"
-      " supported yet). Every file is inspected even when an earlier one fails.");
+      " device records. Every file is inspected even when an earlier one fails.");
   command->add_option("files", options->files, "Files to inspect.")
       ->required()
       ->type_name("FILE...");

@@ -2,11 +2,7 @@
 #include "file_inspection.h"
 
 #include <aimhue/led_meter.h>
-// Capture files are read once the library can load them (Shot::Load); the
-// build defines AIMHUE_TOOL_INSPECT_SHOTS then.
-#ifdef AIMHUE_TOOL_INSPECT_SHOTS
 #include <aimhue/shot.h>
-#endif
 
 #include <cmath>
 #include <cstdio>
@@ -138,7 +134,6 @@ ReportJson InspectMeter(const std::string& file) {
   return json;
 }
 
-#ifdef AIMHUE_TOOL_INSPECT_SHOTS
 ReportJson InspectShot(const std::string& file) {
   Shot shot;
   CheckStatus(shot.Load(file), "cannot load capture");
@@ -165,7 +160,6 @@ ReportJson InspectShot(const std::string& file) {
   }
   return json;
 }
-#endif
 
 std::string Text(const ReportJson& value) {
   if (value.is_number_float()) return FloatText(value.get<float>());
@@ -253,14 +247,7 @@ void PrintShot(std::ostream& out, const ReportJson& json) {
 ReportJson InspectFile(const std::string& file) {
   if (EndsWith(file, ".aimhue")) return InspectResults(file);
   if (EndsWith(file, ".meter")) return InspectMeter(file);
-  if (EndsWith(file, ".shot")) {
-#ifdef AIMHUE_TOOL_INSPECT_SHOTS
-    return InspectShot(file);
-#else
-    throw CommandError(kExitLibrary, "capture (.shot) files are not supported yet by this"
-                                     " version of the tool");
-#endif
-  }
+  if (EndsWith(file, ".shot")) return InspectShot(file);
   throw CommandError(kExitUsage, "unknown kind of file: expected a name ending in .aimhue, .meter"
                                  " or .shot");
 }

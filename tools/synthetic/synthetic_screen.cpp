@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -194,6 +195,23 @@ ScreenMeters MetersFromPlanes(const ScreenOptions& options, const ScreenPlanes& 
 
 ScreenMeters GenerateMeters(const ScreenOptions& options) {
   return MetersFromPlanes(options, GeneratePlanes(options));
+}
+
+std::string MeterFilePath(const std::string& directory, int primary, int axis) {
+  static const char* const kPrimaries[3] = {"red", "green", "blue"};
+  static const char* const kAxes[3] = {"X", "Y", "Z"};
+  const std::string name = std::string(kPrimaries[primary]) + "_" + kAxes[axis] + ".meter";
+  return (std::filesystem::path(directory) / name).string();
+}
+
+int WriteMeterFiles(const ScreenMeters& meters, const std::string& directory) {
+  for (int primary = 0; primary < 3; ++primary) {
+    for (int axis = 0; axis < 3; ++axis) {
+      const int status = meters[primary][axis].Save(MeterFilePath(directory, primary, axis));
+      if (status != 0) return status;
+    }
+  }
+  return 0;
 }
 
 }  // namespace aimhue::synthetic

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
 #include <opencv2/core.hpp>
 
@@ -79,6 +80,17 @@ ScreenMeters MetersFromPlanes(const ScreenOptions& options, const ScreenPlanes& 
 
 // GeneratePlanes, then MetersFromPlanes.
 ScreenMeters GenerateMeters(const ScreenOptions& options);
+
+// The path of one meter's file in `directory`: red_X.meter, red_Y.meter,
+// red_Z.meter, green_X.meter ... blue_Z.meter for primary 0, 1, 2 (red,
+// green, blue) and axis 0, 1, 2 (X, Y, Z).
+std::string MeterFilePath(const std::string& directory, int primary, int axis);
+
+// Saves the nine meters under MeterFilePath(directory, primary, axis); the
+// directory must exist. Returns 0, or the status of the first
+// LedMeter::Save that failed (4 when a file cannot be written); the files
+// saved before it stay.
+int WriteMeterFiles(const ScreenMeters& meters, const std::string& directory);
 
 }  // namespace aimhue::synthetic
 

@@ -192,8 +192,21 @@ contains err.txt "status 10"
 contains out.txt "red_X.meter"    # the good file after the bad one is still shown
 expect 3 "$aimhue" inspect missing.aimhue
 contains err.txt "status 2"
-expect 3 "$aimhue" inspect capture.shot
-contains err.txt "not supported yet"
+# A capture of 2 x 3 16-bit samples with a colour record, written by hand.
+"$python" - <<'PY'
+import struct
+samples = struct.pack("<6H", 0, 1, 2, 3, 4, 65535)
+shot = (b"L" + struct.pack("<II", 1, 2) + struct.pack("<4i", 2, 3, 2, 1) + samples
+        + struct.pack("<ii", 64, 2) + struct.pack("<I", 0xFFFFFFFF))
+open("capture.shot", "wb").write(shot)
+PY
+expect 0 "$aimhue" inspect capture.shot
+contains out.txt "CIE_Y"
+contains out.txt "2 x 3 16U: min 0, max 65535, mean 10935.833"
+contains out.txt "color: 2"
+printf 'L\002\000\000\000' >old.shot
+expect 3 "$aimhue" inspect old.shot
+contains err.txt "status 3"
 expect 2 "$aimhue" inspect notes.txt
 # shellcheck disable=SC2046
 expect 3 "$aimhue" calibrate $(meters meters | sed 's#meters/blue_Z#meters/none_Z#')
