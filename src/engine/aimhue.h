@@ -19,6 +19,13 @@ struct ChromaLxy;
 using TargetBlock = std::array<TargetLxy, 4>;  // red, green, blue, white
 using Fractions = std::array<float, 4>;        // red, green, blue, fourth/all
 
+// Positions of the points in a target block (and of the primaries' rows
+// wherever the engine keeps one row per primary).
+constexpr int kRedTarget = 0;
+constexpr int kGreenTarget = 1;
+constexpr int kBlueTarget = 2;
+constexpr int kWhiteTarget = 3;
+
 // Plain record, no base class and no virtual operations. Field order is the
 // order of creation and of the persisted image.
 struct Aimhue {
@@ -54,15 +61,52 @@ struct Aimhue {
   int SetNGThresh(float threshold);
   int SetPercentEnd(const Fractions& ends);
 
-  // White point: rescales the primaries' luminances and balances them to the
-  // wanted white's x, y.
+  // White point. Multiplies the red, green and blue target L by `scale`,
+  // then solves for one gain per primary so that the mixture lands on the
+  // wanted white's x, y while the summed luminance stays that of the
+  // rescaled primaries; unless `uncapped`, the gains are scaled down
+  // together so that none exceeds whiteScale. The gains multiply the target
+  // L, and target[3] becomes (sum of the new L, white x, white y). Only the
+  // x, y of `white` are read. Statuses: 9 when scale > 1.0 or scale <= 0.0
+  // (a NaN scale passes), then 1 for a null `white`; both leave the record
+  // unchanged and log nothing beyond the entry line "Aimhue::CalcWhite".
+  // A primary whose rescaled L is not positive counts as X = Y = Z = 0;
+  // that, like any other singular system, gives zero gains: all four L
+  // become 0, reported as success.
   int CalcWhite(float scale, const TargetLxy* white, bool uncapped);
 
-  // Coverage and NG judgement on three combined primaries.
+  // Sets ngLimit to the coverage of all three targets (the record's target
+  // block, every LED counted) minus ngThresh, in 32-bit floats. Returns the
+  // count's status (1, 12, 9); on failure ngLimit is unchanged.
   int CalcPercentNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue);
+
+  // NG verdict: true when ngLimit is strictly greater than the measured
+  // coverage of all three targets (equal is not NG). When the count fails
+  // (a null, empty or mismatched set) there is no coverage to judge and the
+  // verdict is NG, the safe answer for a screen that cannot be checked.
   bool JudgeNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue);
+
+  // Moves the red, green and blue entries of `target` along the lines of
+  // `lines` (3 x 2 CV_32F, rows red, green, blue, each (a, b); red and blue
+  // move along y = a*k*x + b, green along x = (y - b)/(a*k), k from
+  // lineSlopeK) until the coverage counted under `mask` is within
+  // percentTol of percentCalcChroma: in tuneMode 0 the coverage of all
+  // three, in tuneMode 1 each primary's own; at most maxIter rounds. On
+  // convergence percentCalcChroma receives the last coverage and the status
+  // is 0. Otherwise (rounds exhausted, another tuneMode, or maxIter < 1)
+  // the coverage of every LED, without the mask, is stored and the status
+  // is 550; the targets keep the last position they reached. Before any
+  // round, the sets and mask are checked as for the count (1, 12, 9), and a
+  // line matrix of another shape or type gives 9; these failures leave the
+  // record unchanged.
   int TuneCoverage(const cv::Mat& mask, const ChromaLxy* red, const ChromaLxy* green,
                    const ChromaLxy* blue, const cv::Mat& lines);
+
+  // Fills `lines` (made 3 x 2 CV_32F) for TuneCoverage from the red, green
+  // and blue x, y of `targets`: row i holds the slope a of the line from
+  // target i through the triangle's incentre, and b such that
+  // y = a * lineSlopeK[i] * x + b passes through target i. Computed in
+  // 64-bit, stored as 32-bit. Collinear targets store non-finite values.
   void BuildTuneLines(const TargetBlock& targets, cv::Mat& lines) const;
 
   // Target search.

@@ -10,16 +10,52 @@
 
 namespace aimhue {
 
-// The target-independent quantities of one LED's triangle p0 (red), p1
-// (green), p2 (blue). Edges and dot products are formed in 32-bit floats,
-// the dot products then widened; the weights are 64-bit.
-struct LedFrame {
+// The 32-bit part of one LED's triangle p0 (red), p1 (green), p2 (blue):
+// its origin, its edges and their dot products, shared by the full test
+// below and the quick one (quick_gamut.h).
+struct LedEdges {
   float originX;
   float originY;
   float e0x;  // p2 - p0
   float e0y;
   float e1x;  // p1 - p0
   float e1y;
+  float d00;  // e0 . e0
+  float d01;  // e0 . e1
+  float d11;  // e1 . e1
+};
+
+inline LedEdges MakeLedEdges(Chromaticity p0, Chromaticity p1, Chromaticity p2) {
+  LedEdges edges;
+  edges.originX = p0.x;
+  edges.originY = p0.y;
+  edges.e0x = p2.x - p0.x;
+  edges.e0y = p2.y - p0.y;
+  edges.e1x = p1.x - p0.x;
+  edges.e1y = p1.y - p0.y;
+  edges.d00 = edges.e0x * edges.e0x + edges.e0y * edges.e0y;
+  edges.d01 = edges.e0x * edges.e1x + edges.e0y * edges.e1y;
+  edges.d11 = edges.e1x * edges.e1x + edges.e1y * edges.e1y;
+  return edges;
+}
+
+// The 32-bit dot products of the two edges with q - p0.
+struct TargetDots {
+  float d02;  // e0 . (q - p0)
+  float d12;  // e1 . (q - p0)
+};
+
+inline TargetDots MakeTargetDots(const LedEdges& edges, Chromaticity q) {
+  const float e2x = q.x - edges.originX;
+  const float e2y = q.y - edges.originY;
+  return {edges.e0x * e2x + edges.e0y * e2y, edges.e1x * e2x + edges.e1y * e2y};
+}
+
+// The target-independent quantities of one LED's triangle for the full
+// test: the 32-bit edges, the dot products widened to 64-bit, and the
+// 64-bit weight factor.
+struct LedFrame {
+  LedEdges edges;
   double d00;
   double d01;
   double d11;
@@ -28,30 +64,31 @@ struct LedFrame {
 
 inline LedFrame MakeLedFrame(Chromaticity p0, Chromaticity p1, Chromaticity p2) {
   LedFrame frame;
-  frame.originX = p0.x;
-  frame.originY = p0.y;
-  frame.e0x = p2.x - p0.x;
-  frame.e0y = p2.y - p0.y;
-  frame.e1x = p1.x - p0.x;
-  frame.e1y = p1.y - p0.y;
-  frame.d00 = static_cast<double>(frame.e0x * frame.e0x + frame.e0y * frame.e0y);
-  frame.d01 = static_cast<double>(frame.e0x * frame.e1x + frame.e0y * frame.e1y);
-  frame.d11 = static_cast<double>(frame.e1x * frame.e1x + frame.e1y * frame.e1y);
+  frame.edges = MakeLedEdges(p0, p1, p2);
+  frame.d00 = static_cast<double>(frame.edges.d00);
+  frame.d01 = static_cast<double>(frame.edges.d01);
+  frame.d11 = static_cast<double>(frame.edges.d11);
   frame.inv = 1.0 / (frame.d11 * frame.d00 - frame.d01 * frame.d01);
   return frame;
 }
 
 // Whether q lies in the frame's triangle, boundary included. A degenerate
-// triangle gives infinite or NaN weights, and one of the range tests fails.
+// triangle gives infinite or NaN weights, and one of the tests fails.
+//
+// The weights must satisfy 0 <= u <= 1, 0 <= v <= 1 and u + v <= 1. Once u
+// and v are non-negative, u > 1 or v > 1 already makes the rounded u + v
+// exceed 1 (adding a non-negative value never rounds below the larger
+// operand), so the upper bounds decide nothing and are not tested; a NaN
+// weight fails the >= tests. Without branches the count's loop vectorises.
 inline bool FrameContains(const LedFrame& frame, Chromaticity q) {
-  const float e2x = q.x - frame.originX;
-  const float e2y = q.y - frame.originY;
-  const double d02 = static_cast<double>(frame.e0x * e2x + frame.e0y * e2y);
-  const double d12 = static_cast<double>(frame.e1x * e2x + frame.e1y * e2y);
+  const TargetDots dots = MakeTargetDots(frame.edges, q);
+  const double d02 = static_cast<double>(dots.d02);
+  const double d12 = static_cast<double>(dots.d12);
   const double u = (frame.d11 * d02 - d12 * frame.d01) * frame.inv;
   const double v = (d12 * frame.d00 - d02 * frame.d01) * frame.inv;
-  if (u < 0.0 || u > 1.0 || v < 0.0 || v > 1.0) return false;
-  return u + v <= 1.0;
+  const int inside = static_cast<int>(u >= 0.0) & static_cast<int>(v >= 0.0) &
+                     static_cast<int>(u + v <= 1.0);
+  return inside != 0;
 }
 
 // Counts, over the LEDs added to it, how many reach the red, the green and

@@ -5,6 +5,7 @@
 
 #include <aimhue/target.h>
 
+#include <array>
 #include <cstdint>
 
 #include <opencv2/core.hpp>
@@ -18,6 +19,13 @@ struct Chromaticity {
   float x;
   float y;
 };
+
+// The twelve floats (red L, x, y, green L, x, y, ...) of a four-point
+// target block, as the count reads them.
+inline const float* TargetFloats(const std::array<TargetLxy, 4>& block) {
+  static_assert(sizeof(block) == 12 * sizeof(float), "a target block is twelve packed floats");
+  return &block[0].L;
+}
 
 // The four coverage fractions from the counts and the number of counted
 // LEDs: each division in 64-bit floating point, each quotient stored as a
@@ -38,9 +46,30 @@ bool InGamut(Chromaticity p0, Chromaticity p1, Chromaticity p2, Chromaticity q);
 // mask of zeros gives four NaN fractions (0 / 0) with status 0. Beyond the
 // L planes, every x and y plane must have the red L plane's size and all
 // planes must be 32-bit float, and a mask must be 8-bit single-channel;
-// otherwise 9, so that nothing is read outside a plane.
+// otherwise 9, so that nothing is read outside a plane. Each LED is visited
+// once and nothing is allocated: a 32-bit quick test (quick_gamut.h)
+// decides nearly every LED, and InGamut's own test settles those it leaves
+// unsure, so the counts are exactly those of InGamut on every LED.
 int PercentOfTarget(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
                     const float* targets, Coverage& out, const cv::Mat& mask);
+
+// The instruction sets the count is compiled for. PercentOfTarget runs on
+// the widest one the processor offers; every one gives bit-identical
+// results (the same IEEE operations per LED in every vector lane, and no
+// fused multiply-add).
+enum class CountKernel { kPortable, kAvx2, kAvx512 };
+
+// Whether `kernel` can run on this processor (kPortable always can).
+bool CountKernelAvailable(CountKernel kernel);
+
+// The widest available kernel.
+CountKernel WidestCountKernel();
+
+// PercentOfTarget on a chosen kernel (the portable one when `kernel` is not
+// available), so that each can be checked against the others.
+int PercentOfTargetOn(CountKernel kernel, const ChromaLxy* red, const ChromaLxy* green,
+                      const ChromaLxy* blue, const float* targets, Coverage& out,
+                      const cv::Mat& mask);
 
 }  // namespace aimhue
 
