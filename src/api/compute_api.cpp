@@ -9,6 +9,7 @@
 
 #include "api/mask_image.h"
 #include "common/exception_guard.h"
+#include "engine/aimhue.h"
 #include "engine/percent_of_target.h"
 #include "meter/chroma_lxy.h"
 
@@ -50,6 +51,42 @@ using aimhue::kOutOfRange;
 using aimhue::Primaries;
 
 extern "C" {
+
+int AimhueCalcWhite(AimhueHandle handle, float scale, const aimhue::TargetLxy* white, int flag) {
+  if (handle == nullptr || white == nullptr) return kNullInput;
+  return GuardExceptions("AimhueCalcWhite", [&] {
+    handle->CalcWhite(scale, white, flag > 0);  // a refused scale is not reported, by design
+    return static_cast<int>(kOk);
+  });
+}
+
+int AimhueCalcPercentNG(AimhueHandle handle, const aimhue::LedMeter* const* red,
+                        const aimhue::LedMeter* const* green, const aimhue::LedMeter* const* blue,
+                        int count) {
+  if (handle == nullptr) return kNullInput;
+  if (count != aimhue::kPrimaryCount) return kOutOfRange;
+  return GuardExceptions("AimhueCalcPercentNG", [&] {
+    Primaries primaries;
+    const int status = CombinePrimaries(red, green, blue, primaries);
+    if (status != kOk) return status;
+    return handle->CalcPercentNG(&primaries.red, &primaries.green, &primaries.blue);
+  });
+}
+
+int AimhueJudgeNG(AimhueHandle handle, bool* out_ng, const aimhue::LedMeter* const* red,
+                  const aimhue::LedMeter* const* green, const aimhue::LedMeter* const* blue,
+                  int count) {
+  if (handle == nullptr) return kNullInput;
+  if (count != aimhue::kPrimaryCount) return kOutOfRange;
+  if (out_ng == nullptr) return kNullInput;
+  return GuardExceptions("AimhueJudgeNG", [&] {
+    Primaries primaries;
+    const int status = CombinePrimaries(red, green, blue, primaries);
+    if (status != kOk) return status;
+    *out_ng = handle->JudgeNG(&primaries.red, &primaries.green, &primaries.blue);
+    return static_cast<int>(kOk);
+  });
+}
 
 int AimhueCalcPercentOfTarget(const aimhue::LedMeter* const* red,
                               const aimhue::LedMeter* const* green,
