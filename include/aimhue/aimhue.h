@@ -5,9 +5,11 @@
 #define AIMHUE_AIMHUE_H_
 
 #include <aimhue/api.h>
+#include <aimhue/bimage.h>
 #include <aimhue/bio.h>
 #include <aimhue/export.h>
 #include <aimhue/plume_log.h>
+#include <aimhue/shot.h>
 #include <aimhue/status.h>
 #include <aimhue/target.h>
 #include <aimhue/version.h>

@@ -138,14 +138,62 @@ class AIMHUE_EXPORT LedMeter {
   int FromBuffer(const char* buffer, uint64_t size);
 
   // Building a meter from captures and working on it.
+  //
+  // CheckInput: validation and bookkeeping before an Add. The shot needs a
+  // single-channel image, a colour, a valid pattern (the capture grid: map
+  // columns and rows = interval_x/_y, cell = loc_x/_y, no wider than the
+  // partition, else 104) and a partition (else 108). Each given set needs a
+  // non-empty 8-bit state and data of the same size (values CV_32FC1,
+  // positions two 32-bit channels; else 109) holding exactly the LEDs that
+  // the pattern lights inside the partition (else 400). The first capture
+  // sets the meter up from the shot (records, colour, type, zeroed planes,
+  // add_map of ones); later ones must match it (404, 102). A cell added
+  // twice gives 401; the first capture's set-up then stays.
   int CheckInput(const Shot* shot, const LedSet* pos_set, const LedSet* value_set);
+  // Scatters one capture's LEDs into the meter; `value_set` is required
+  // (1 without it, before any bookkeeping).
   int Add(const Shot* shot, const LedSet* pos_set, const LedSet* value_set);
+  // Scales `chroma` so that its mean (the whole plane, or the disc of radius
+  // *in_radius around the column and row *in_point) becomes the target of
+  // this meter's type. The disc must satisfy x - r >= 0, x + r <= columns,
+  // y - r >= 0, y + r <= rows (405); elements past the plane at the
+  // inclusive upper bounds are left out. 5 for an empty chroma, 109 for a
+  // chroma that is not CV_32FC1.
   int Align(const float* target_xyz, const int* in_point, const int* in_radius);
+  // Replaces every dead LED (state bit 0) by the 3 x 3 median of `chroma`.
+  // An empty state marks no LED dead; a state of another size or type than
+  // chroma gives 9; a chroma that is not CV_32FC1 gives 109.
   int FixDeadPoint();
+  // Copies src's chroma where `mask` is non-zero: 5 for empty inputs, 9 when
+  // the sizes (or chroma types) differ.
   int MergeChroma(const LedMeter& src, const cv::Mat& mask);
+  // Loads the `count` meter files and saves to `out_fullname` a meter that
+  // is the first file with its chroma replaced by the element-wise mean of
+  // all chroma planes. 471 when count < 1 or the number of names differs;
+  // 1 for an empty name; a load's or the save's own status; 9 when a file's
+  // colour, type or chroma size and type differ from the first's. Nothing
+  // is written when a step fails.
   static int MeterMean(std::vector<std::string> fullnames, int count,
                        const std::string& out_fullname);
+  // Deep copy into dst: dst's records are released and given again through
+  // its setters; type, colour, state, pos and chroma are copied (add_map is
+  // left as it was).
   int CopyTo(LedMeter& dst) const;
+
+  // Writes an 8-bit grey picture of `chroma` (largest magnitude -> 255) with
+  // OpenCV's imwrite. Each LED becomes a block of `scale` x `scale` pixels
+  // (nearest-neighbour resize; the picture side is rounded and must stay
+  // within 1..65536, else 9). With `full_screen` the picture shows the whole
+  // screen of the partition, black outside the region (9 without a
+  // partition of the chroma's size). Each LED of `marks` (x = column, y =
+  // row of the plane; marks outside it are skipped) is circled in white,
+  // radius max(1, scale), thickness 1, line type 8. 5 for an empty chroma, 4 when the write is refused.
+  int ExportGrayChroma(const std::string& fullname, double scale = 1.0,
+                       const std::vector<cv::Point>& marks = {}, bool full_screen = false) const;
+  // Writes an 8-bit grey picture of one channel of `pos` (0: x, 1: y; else
+  // 9), scaled so that its largest magnitude becomes 255. 5 for an empty
+  // pos, 4 when the write is refused.
+  int ExportPointImage(const std::string& fullname, int channel = 0) const;
 };
 
 }  // namespace aimhue

@@ -109,7 +109,19 @@ struct Aimhue {
   // 64-bit, stored as 32-bit. Collinear targets store non-finite values.
   void BuildTuneLines(const TargetBlock& targets, cv::Mat& lines) const;
 
-  // Target search.
+  // Target search over three combined primaries (src/engine/target_search.cpp):
+  // subsampling to at most 100000 LEDs, means and outlier mask, the corners of
+  // the gamut region nearly all LEDs share, and the line search towards
+  // percentEnd. Logs "Aimhue::Search". Statuses: 1 for a null set, 12 for an
+  // empty set (tested red, blue, green), 9 when the green or blue L plane
+  // differs in size from the red one, and also 9 when any x or y plane
+  // differs from it or a plane is not single-channel 32-bit float (so that
+  // nothing is read outside a plane); the record is unchanged on failure.
+  // On success it replaces searchStart (the means), searchEnd and target (the
+  // final points); the L of the three primaries in searchEnd and target and
+  // the white entry of all three blocks are set to 0. A dead LED (NaN
+  // chromaticity) in the working set makes the means NaN, and then the
+  // targets too unless percentEnd keeps the corners.
   int Search(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue);
 
   // Persistence of the results as a 169-byte image ('L', version 1,

@@ -4,20 +4,9 @@
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
 
+#include "common/record_rules.h"
+
 namespace aimhue {
-namespace {
-
-// Copies `value` into `*slot`, creating the record on first use.
-template <typename Record>
-void Store(std::unique_ptr<Record>& slot, const Record& value) {
-  if (slot == nullptr) {
-    slot = std::make_unique<Record>(value);
-  } else {
-    *slot = value;
-  }
-}
-
-}  // namespace
 
 LedMeter::LedMeter() { Clear(); }
 
@@ -39,22 +28,17 @@ void LedMeter::Clear() {
 
 int LedMeter::SetPartition(const Partition& value) {
   PlumeLogInfo("LedMeter::SetPartition");
-  const bool valid = value.screen_w > 0 && value.screen_h > 0 && value.w > 0 && value.h > 0 &&
-                     value.x >= 0 && value.x < value.screen_w && value.y >= 0 &&
-                     value.y < value.screen_h &&
-                     static_cast<int64_t>(value.x) + value.w - 1 < value.screen_w &&
-                     static_cast<int64_t>(value.y) + value.h - 1 < value.screen_h;
-  if (!valid) {
+  if (!PartitionFitsScreen(value)) {
     PlumeLogError("LedMeter::SetPartition--Error :: invalid screen wh or partition xywh");
     return kBadPartition;
   }
-  Store(partition, value);
+  StoreRecord(partition, value);
   return kOk;
 }
 
 int LedMeter::SetLayer(const Layer& value) {
   PlumeLogInfo("LedMeter::SetLayer");
-  Store(layer, value);
+  StoreRecord(layer, value);
   return kOk;
 }
 
@@ -64,13 +48,13 @@ int LedMeter::SetLedPanel(const LedPanel& value) {
     PlumeLogError("LedMeter::SetLedPanel--Error :: invalid panel_wh");
     return kBadLedPanel;
   }
-  Store(led_panel, value);
+  StoreRecord(led_panel, value);
   return kOk;
 }
 
 int LedMeter::SetCapture(const Capture& value) {
   PlumeLogInfo("LedMeter::SetCapture");
-  Store(capture, value);
+  StoreRecord(capture, value);
   return kOk;
 }
 

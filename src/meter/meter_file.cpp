@@ -17,6 +17,7 @@
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
 #include "capture/matrix_block.h"
+#include "capture/record_io.h"
 #include "common/exception_guard.h"
 
 namespace aimhue {
@@ -25,19 +26,7 @@ namespace {
 constexpr char kMeterExtension[] = ".meter";
 constexpr uint32_t kMeterVersion = 1;
 
-enum MeterTag : uint32_t {
-  kTagCapture = 2,
-  kTagPartition = 4,
-  kTagLedPanel = 8,
-  kTagLayer = 16,
-};
-
 constexpr uint64_t kHeaderBytes = 1 + 4 + 4 + 4;  // mark, version, color, type
-constexpr uint64_t kTagBytes = 4;
-constexpr uint64_t kPartitionBytes = 24;
-constexpr uint64_t kLedPanelBytes = 24;
-constexpr uint64_t kLayerBytes = 12;
-constexpr uint64_t kCaptureBytes = 20;
 
 // What one content holds, before it is applied to a meter.
 struct MeterContent {
@@ -72,55 +61,12 @@ std::string Serialize(const LedMeter& meter) {
   WriteMatrixBlock(meter.state, out);
   WriteMatrixBlock(meter.pos, out);
   WriteMatrixBlock(meter.chroma, out);
-  if (const Partition* p = meter.partition.get()) {
-    out.WriteU32(kTagPartition);
-    for (int32_t field : {p->x, p->y, p->w, p->h, p->screen_w, p->screen_h}) out.WriteI32(field);
-  }
-  if (const LedPanel* p = meter.led_panel.get()) {
-    out.WriteU32(kTagLedPanel);
-    for (int32_t field : {p->type, p->layout, p->subpixel_type, p->w, p->h}) out.WriteI32(field);
-    out.WriteF32(p->pixel_pitch);
-  }
-  if (const Layer* p = meter.layer.get()) {
-    out.WriteU32(kTagLayer);
-    out.WriteI32(p->index);
-    out.WriteF32(p->linear_norms);
-    out.WriteI32(p->value);
-  }
-  if (const Capture* p = meter.capture.get()) {
-    out.WriteU32(kTagCapture);
-    for (int32_t field : {p->exposure, p->gain, p->aperture, p->microfocus, p->filter}) {
-      out.WriteI32(field);
-    }
-  }
+  WriteRecordIfPresent(out, meter.partition);
+  WriteRecordIfPresent(out, meter.led_panel);
+  WriteRecordIfPresent(out, meter.layer);
+  WriteRecordIfPresent(out, meter.capture);
   out.WriteU32(kEndTag);
   return content;
-}
-
-bool ReadRecord(ByteReader& in, Partition& p) {
-  return in.ReadI32(p.x) && in.ReadI32(p.y) && in.ReadI32(p.w) && in.ReadI32(p.h) &&
-         in.ReadI32(p.screen_w) && in.ReadI32(p.screen_h);
-}
-bool ReadRecord(ByteReader& in, LedPanel& p) {
-  return in.ReadI32(p.type) && in.ReadI32(p.layout) && in.ReadI32(p.subpixel_type) &&
-         in.ReadI32(p.w) && in.ReadI32(p.h) && in.ReadF32(p.pixel_pitch);
-}
-bool ReadRecord(ByteReader& in, Layer& p) {
-  return in.ReadI32(p.index) && in.ReadF32(p.linear_norms) && in.ReadI32(p.value);
-}
-bool ReadRecord(ByteReader& in, Capture& p) {
-  return in.ReadI32(p.exposure) && in.ReadI32(p.gain) && in.ReadI32(p.aperture) &&
-         in.ReadI32(p.microfocus) && in.ReadI32(p.filter);
-}
-
-// A record that appears twice keeps the later one, as it would overwrite
-// the meter's.
-template <typename Record>
-bool ReadInto(ByteReader& in, std::optional<Record>& slot) {
-  Record record{};
-  if (!ReadRecord(in, record)) return false;
-  slot = record;
-  return true;
 }
 
 // A stored plane must have the meter's element type (or be empty): a plane
@@ -139,41 +85,20 @@ bool ReadBody(ByteReader& in, MeterContent& content) {
       !HasType(content.chroma, CV_32FC1)) {
     return false;
   }
-  // Every pass consumes four bytes, so the loop ends with the data.
-  uint32_t tag = 0;
-  while (in.ReadU32(tag)) {
-    bool read = true;
+  return ReadTaggedRecords(in, [&](uint32_t tag) {
     switch (tag) {
-      case kEndTag:
-        return true;
       case kTagPartition:
-        read = ReadInto(in, content.partition);
-        break;
+        return ReadInto(in, content.partition);
       case kTagLedPanel:
-        read = ReadInto(in, content.led_panel);
-        break;
+        return ReadInto(in, content.led_panel);
       case kTagLayer:
-        read = ReadInto(in, content.layer);
-        break;
+        return ReadInto(in, content.layer);
       case kTagCapture:
-        read = ReadInto(in, content.capture);
-        break;
+        return ReadInto(in, content.capture);
       default:
-        break;  // an unknown tag carries no payload
+        return true;  // an unknown tag carries no payload
     }
-    if (!read) return false;
-  }
-  return false;  // no end tag before the end of the data
-}
-
-template <typename Record>
-void Apply(std::optional<Record>& loaded, std::unique_ptr<Record>& slot) {
-  if (!loaded) return;
-  if (slot == nullptr) {
-    slot = std::make_unique<Record>(*loaded);
-  } else {
-    *slot = *loaded;
-  }
+  });
 }
 
 // Loaded records replace the meter's; records the content lacks, and
@@ -184,10 +109,10 @@ void Apply(MeterContent& content, LedMeter& meter) {
   meter.state = content.state;
   meter.pos = content.pos;
   meter.chroma = content.chroma;
-  Apply(content.partition, meter.partition);
-  Apply(content.led_panel, meter.led_panel);
-  Apply(content.layer, meter.layer);
-  Apply(content.capture, meter.capture);
+  ApplyRecord(content.partition, meter.partition);
+  ApplyRecord(content.led_panel, meter.led_panel);
+  ApplyRecord(content.layer, meter.layer);
+  ApplyRecord(content.capture, meter.capture);
 }
 
 int Parse(const char* who, const char* data, size_t size, LedMeter& meter) {
