@@ -60,6 +60,19 @@ int AimhueCalcWhite(AimhueHandle handle, float scale, const aimhue::TargetLxy* w
   });
 }
 
+int AimhueSearch(AimhueHandle handle, const aimhue::LedMeter* const* red,
+                 const aimhue::LedMeter* const* green, const aimhue::LedMeter* const* blue,
+                 int count) {
+  if (handle == nullptr) return kNullInput;
+  if (count != aimhue::kPrimaryCount) return kOutOfRange;
+  return GuardExceptions("AimhueSearch", [&] {
+    Primaries primaries;
+    const int status = CombinePrimaries(red, green, blue, primaries);
+    if (status != kOk) return status;
+    return handle->Search(&primaries.red, &primaries.green, &primaries.blue);
+  });
+}
+
 int AimhueCalcPercentNG(AimhueHandle handle, const aimhue::LedMeter* const* red,
                         const aimhue::LedMeter* const* green, const aimhue::LedMeter* const* blue,
                         int count) {

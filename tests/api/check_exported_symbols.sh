@@ -12,7 +12,7 @@ expected=(
   AimhueSetPercentEnd AimhueSetPercentCalcChroma AimhueGet
   AimhueSave AimhueLoad AimhueToBuffer AimhueFromBuffer AimhueGetBufferSize
   AimhueVConcatMeter AimhueCalcPercentOfTarget AimhueCalcWhite AimhueCalcPercentNG
-  AimhueJudgeNG
+  AimhueJudgeNG AimhueSearch
 )
 missing=0
 for name in "${expected[@]}"; do

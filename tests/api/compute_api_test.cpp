@@ -118,9 +118,11 @@ TEST_F(ComputeApi, HandleFunctionsCheckHandleThenCountBeforeAnyMeter) {
   ASSERT_EQ(AimhueCreateHandle(&handle), kOk);
   bool ng = false;
   for (int count : {2, 4}) {
+    EXPECT_EQ(AimhueSearch(handle, nullptr, nullptr, nullptr, count), kOutOfRange);
     EXPECT_EQ(AimhueCalcPercentNG(handle, nullptr, nullptr, nullptr, count), kOutOfRange);
     EXPECT_EQ(AimhueJudgeNG(handle, &ng, nullptr, nullptr, nullptr, count), kOutOfRange);
   }
+  EXPECT_EQ(AimhueSearch(nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
   EXPECT_EQ(AimhueCalcPercentNG(nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
   EXPECT_EQ(AimhueJudgeNG(nullptr, &ng, triples_[0], triples_[1], triples_[2], 3), kNullInput);
   EXPECT_EQ(AimhueJudgeNG(handle, nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
@@ -129,7 +131,7 @@ TEST_F(ComputeApi, HandleFunctionsCheckHandleThenCountBeforeAnyMeter) {
   meters_[2][0].color = 1;
   LogCapture log;
   EXPECT_EQ(AimhueJudgeNG(handle, &ng, triples_[0], triples_[1], triples_[2], 3), kOutOfRange);
-  EXPECT_EQ(AimhueCalcPercentNG(handle, triples_[0], triples_[1], triples_[2], 3), kOutOfRange);
+  EXPECT_EQ(AimhueSearch(handle, triples_[0], triples_[1], triples_[2], 3), kOutOfRange);
   EXPECT_EQ(log.Errors(), (Lines{"LedMeter::Check--Error in LedMeter input color different",
                                  "LedMeter::Check--Error in LedMeter input color different"}));
   EXPECT_FALSE(ng);
