@@ -41,6 +41,19 @@ int CombinePrimaries(MeterTriple red, MeterTriple green, MeterTriple blue, Prima
   return kOk;
 }
 
+// Combines the three primaries and hands them to `work`, all under the
+// exception guard; the combined sets are released when it returns.
+template <typename Work>
+int WithPrimaries(const char* who, MeterTriple red, MeterTriple green, MeterTriple blue,
+                  Work&& work) {
+  return GuardExceptions(who, [&] {
+    Primaries primaries;
+    const int status = CombinePrimaries(red, green, blue, primaries);
+    if (status != kOk) return status;
+    return static_cast<int>(work(primaries));
+  });
+}
+
 }  // namespace
 }  // namespace aimhue
 
@@ -49,6 +62,7 @@ using aimhue::kNullInput;
 using aimhue::kOk;
 using aimhue::kOutOfRange;
 using aimhue::Primaries;
+using aimhue::WithPrimaries;
 
 extern "C" {
 
@@ -65,10 +79,7 @@ int AimhueSearch(AimhueHandle handle, const aimhue::LedMeter* const* red,
                  int count) {
   if (handle == nullptr) return kNullInput;
   if (count != aimhue::kPrimaryCount) return kOutOfRange;
-  return GuardExceptions("AimhueSearch", [&] {
-    Primaries primaries;
-    const int status = CombinePrimaries(red, green, blue, primaries);
-    if (status != kOk) return status;
+  return WithPrimaries("AimhueSearch", red, green, blue, [&](Primaries& primaries) {
     return handle->Search(&primaries.red, &primaries.green, &primaries.blue);
   });
 }
@@ -78,10 +89,7 @@ int AimhueCalcPercentNG(AimhueHandle handle, const aimhue::LedMeter* const* red,
                         int count) {
   if (handle == nullptr) return kNullInput;
   if (count != aimhue::kPrimaryCount) return kOutOfRange;
-  return GuardExceptions("AimhueCalcPercentNG", [&] {
-    Primaries primaries;
-    const int status = CombinePrimaries(red, green, blue, primaries);
-    if (status != kOk) return status;
+  return WithPrimaries("AimhueCalcPercentNG", red, green, blue, [&](Primaries& primaries) {
     return handle->CalcPercentNG(&primaries.red, &primaries.green, &primaries.blue);
   });
 }
@@ -92,12 +100,9 @@ int AimhueJudgeNG(AimhueHandle handle, bool* out_ng, const aimhue::LedMeter* con
   if (handle == nullptr) return kNullInput;
   if (count != aimhue::kPrimaryCount) return kOutOfRange;
   if (out_ng == nullptr) return kNullInput;
-  return GuardExceptions("AimhueJudgeNG", [&] {
-    Primaries primaries;
-    const int status = CombinePrimaries(red, green, blue, primaries);
-    if (status != kOk) return status;
+  return WithPrimaries("AimhueJudgeNG", red, green, blue, [&](Primaries& primaries) {
     *out_ng = handle->JudgeNG(&primaries.red, &primaries.green, &primaries.blue);
-    return static_cast<int>(kOk);
+    return kOk;
   });
 }
 
@@ -107,18 +112,15 @@ int AimhueCalcPercentOfTarget(const aimhue::LedMeter* const* red,
                               float* out_percent, const AimhueImage* mask, int count) {
   if (count != aimhue::kPrimaryCount) return kOutOfRange;
   if (targets == nullptr || out_percent == nullptr) return kNullInput;
-  return GuardExceptions("AimhueCalcPercentOfTarget", [&] {
-    Primaries primaries;
-    int status = CombinePrimaries(red, green, blue, primaries);
-    if (status != kOk) return status;
+  return WithPrimaries("AimhueCalcPercentOfTarget", red, green, blue, [&](Primaries& primaries) {
     cv::Mat maskPlane;  // empty: every LED counts
     if (mask != nullptr) {
-      status = aimhue::CopyMaskImage(*mask, maskPlane);
+      const int status = aimhue::CopyMaskImage(*mask, maskPlane);
       if (status != kOk) return status;
     }
     aimhue::Coverage coverage{};
-    status = aimhue::PercentOfTarget(&primaries.red, &primaries.green, &primaries.blue, targets,
-                                     coverage, maskPlane);
+    const int status = aimhue::PercentOfTarget(&primaries.red, &primaries.green, &primaries.blue,
+                                               targets, coverage, maskPlane);
     if (status != kOk) return status;
     const float fractions[4] = {coverage.red, coverage.green, coverage.blue, coverage.all};
     std::memcpy(out_percent, fractions, sizeof fractions);
