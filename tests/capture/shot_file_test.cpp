@@ -103,20 +103,24 @@ TEST(ShotStream, RefusedStreamsAndFilesLeaveTheShot) {
   const std::string missing = dir.Path("missing/a.shot");
   Shot shot = FullShot();
   ExpectRefusals<Shot>(
-      shot, ShotBytes,
-      {{from(bad_mark), kBadByteOrderMark, {"Shot::FromBuffer -- Error file endianness."}},
-       {from(version), kBadVersion, {"Shot::FromBuffer -- Error version in file."}},
-       {from(content.substr(0, content.size() - 4)), kBadVersion, {data_line}},
-       {from(content.substr(0, 30)), kBadVersion, {data_line}},
-       {[](Shot& s) { return s.FromBuffer(nullptr, 5); }, kNullInput, {}},
-       {[&](Shot& s) { return s.Save(dir.Path("a.SHOT")); }, kBadExtension, {"Shot::Save" + ext_line}},
-       {[](Shot& s) { return s.Save(".shot"); }, kBadExtension, {"Shot::Save" + ext_line}},
-       {[&](Shot& s) { return s.Load(dir.Path("a.shot.bak")); }, kBadExtension,
-        {"Shot::Load" + ext_line}},
-       {[&](Shot& s) { return s.Save(missing); }, kOpenWriteFailed,
-        {"Shot::Save -- Failed to Open file. fullname = " + missing}},
-       {[&](Shot& s) { return s.Load(missing); }, kOpenReadFailed,
-        {"Shot::Load -- Failed to Open file.fullname = " + missing}}});
+      shot, {{from(bad_mark), kBadByteOrderMark, {"Shot::FromBuffer -- Error file endianness."}},
+             {from(version), kBadVersion, {"Shot::FromBuffer -- Error version in file."}},
+             {from(content.substr(0, content.size() - 4)), kBadVersion, {data_line}},
+             {from(content.substr(0, 30)), kBadVersion, {data_line}},
+             {[](Shot& s) { return s.FromBuffer(nullptr, 5); }, kNullInput, {}},
+             {[&](Shot& s) { return s.Save(dir.Path("a.SHOT")); },
+              kBadExtension,
+              {"Shot::Save" + ext_line}},
+             {[](Shot& s) { return s.Save(".shot"); }, kBadExtension, {"Shot::Save" + ext_line}},
+             {[&](Shot& s) { return s.Load(dir.Path("a.shot.bak")); },
+              kBadExtension,
+              {"Shot::Load" + ext_line}},
+             {[&](Shot& s) { return s.Save(missing); },
+              kOpenWriteFailed,
+              {"Shot::Save -- Failed to Open file. fullname = " + missing}},
+             {[&](Shot& s) { return s.Load(missing); },
+              kOpenReadFailed,
+              {"Shot::Load -- Failed to Open file.fullname = " + missing}}});
 
   // A short caller's buffer is left as it was; no line for the caller's faults.
   std::string buffer(content.size() - 1, 'x');
@@ -126,7 +130,7 @@ TEST(ShotStream, RefusedStreamsAndFilesLeaveTheShot) {
       {[&](Shot& s) { return s.ToBuffer(nullptr, &size); }, kNullInput, {}},
       {[&](Shot& s) { return s.ToBuffer(buffer.data(), nullptr); }, kNullInput, {}},
       {[&](Shot&) { return Shot().GetBufferSize(&size); }, kEmptyInput, {}}};
-  ExpectRefusals<Shot>(shot, ShotBytes, buffer_rules);
+  ExpectRefusals<Shot>(shot, buffer_rules);
   EXPECT_EQ(size, content.size() - 1);
   EXPECT_EQ(buffer, std::string(content.size() - 1, 'x'));
 }

@@ -59,9 +59,10 @@ TEST(ShotConvert, EveryPixelIsTheMatrixTimesItsColourOrRefused) {
        error + "data channel must be 3"},
       {MakeShot(cv::Mat(0, 0, CV_16UC3), CAM_RGB), CIE_X, matrix, kEmptyInput, error + "empty"}};
   for (auto& item : cases) {
-    ExpectRefusals<Shot>(item.shot, ShotBytes,
+    ExpectRefusals<Shot>(item.shot,
                          {{[&](Shot& s) { return s.ConvertColorSpace(item.type, item.matrix); },
-                           item.status, {item.line}}});
+                           item.status,
+                           {item.line}}});
   }
 }
 
@@ -78,14 +79,15 @@ TEST(ShotSplit, OnlyTheGivenOutputsWithMetadata) {
   EXPECT_NE(green.image.data, shot.image.data);
   EXPECT_TRUE(green.type == CAM_G && !green.device && *green.color == 2);
   EXPECT_EQ(green.pattern->lighted_led_w, 3);
-  ExpectRefusals<Shot>(
-      green, ShotBytes,
-      {{[&](Shot&) { return shot.Split(nullptr, nullptr, nullptr); }, kNullInput,
-        {"SHOT::Split -- all input was nullptr"}},
-       {[&](Shot& g) { return single.Split(&g, nullptr, nullptr); }, kBadImageDataType,
-        {"Shot::Split -- Error image.channels() != 3 || type!= CAM_RGB"}},
-       {[](Shot& g) { return Shot().Split(&g, nullptr, nullptr); }, kEmptyInput,
-        {"Shot::Split--Error :: empty"}}});
+  ExpectRefusals<Shot>(green, {{[&](Shot&) { return shot.Split(nullptr, nullptr, nullptr); },
+                                kNullInput,
+                                {"SHOT::Split -- all input was nullptr"}},
+                               {[&](Shot& g) { return single.Split(&g, nullptr, nullptr); },
+                                kBadImageDataType,
+                                {"Shot::Split -- Error image.channels() != 3 || type!= CAM_RGB"}},
+                               {[](Shot& g) { return Shot().Split(&g, nullptr, nullptr); },
+                                kEmptyInput,
+                                {"Shot::Split--Error :: empty"}}});
 }
 
 TEST(ShotRotate, QuarterTurnsAndTheNegativeRule) {
@@ -93,7 +95,7 @@ TEST(ShotRotate, QuarterTurnsAndTheNegativeRule) {
   const cv::Mat r90 = (cv::Mat_<uint16_t>(3, 2) << 3, 6, 2, 5, 1, 4);
   const cv::Mat r180 = (cv::Mat_<uint16_t>(2, 3) << 6, 5, 4, 3, 2, 1);
   const cv::Mat r270 = (cv::Mat_<uint16_t>(3, 2) << 4, 1, 5, 2, 6, 3);
-  const std::pair<int, cv::Mat> turns[] = {{90, r90},    {-90, r270},  {180, r180},  {270, r270},
+  const std::pair<int, cv::Mat> turns[] = {{90, r90},    {-90, r270},  {180, r180}, {270, r270},
                                            {360, image}, {720, image}, {-450, r270}};
   for (const auto& [angle, expected] : turns) {
     Shot shot = MakeShot(image.clone(), CAM_G);
@@ -103,10 +105,11 @@ TEST(ShotRotate, QuarterTurnsAndTheNegativeRule) {
   Shot kept = MakeShot(image.clone(), CAM_G);
   std::vector<Refusal<Shot>> refusals;
   for (int angle : {-360, 45, -720, 2147483647, -2147483647 - 1}) {
-    refusals.push_back({[=](Shot& s) { return s.Rotate(angle); }, kOutOfRange,
+    refusals.push_back({[=](Shot& s) { return s.Rotate(angle); },
+                        kOutOfRange,
                         {"Shot::Rotate--Error :: roll_angle"}});
   }
-  ExpectRefusals<Shot>(kept, ShotBytes, refusals);
+  ExpectRefusals<Shot>(kept, refusals);
 }
 
 TEST(ShotBackground, SubtractsAndClipsAtZero) {
@@ -117,11 +120,12 @@ TEST(ShotBackground, SubtractsAndClipsAtZero) {
   ASSERT_EQ(shot.RemoveBackground(MakeShot((cv::Mat_<float>(1, 3) << 0.5f, 0, 4), CIE_Y)), kOk);
   EXPECT_TRUE(SameImage(shot.image, (cv::Mat_<float>(1, 3) << 1.0f, 0.0f, 0.0f)));
   const Shot other_type = MakeShot(cv::Mat(1, 3, CV_16UC1, cv::Scalar(0)), CIE_Y);
-  ExpectRefusals<Shot>(shot, ShotBytes,
-                       {{[&](Shot& s) { return s.RemoveBackground(other_type); }, kCaptureMismatch,
-                         {"SHOT::RemoveBackground -- Error data mismatch"}},
-                        {[](Shot& s) { return s.RemoveBackground(Shot()); }, kEmptyInput,
-                         {"SHOT::RemoveBackground -- Error empty data"}}});
+  ExpectRefusals<Shot>(shot, {{[&](Shot& s) { return s.RemoveBackground(other_type); },
+                               kCaptureMismatch,
+                               {"SHOT::RemoveBackground -- Error data mismatch"}},
+                              {[](Shot& s) { return s.RemoveBackground(Shot()); },
+                               kEmptyInput,
+                               {"SHOT::RemoveBackground -- Error empty data"}}});
 }
 
 TEST(ShotExport, GreyAndColourPictures) {
@@ -158,10 +162,9 @@ TEST(ShotExport, GreyAndColourPictures) {
     return [=, &dir](Shot& s) { return s.ExportGrayImage(dir.Path(name)); };
   };
   const auto export_colour = [&](Shot& s) { return s.ExportColorImage(dir.Path("no/a.png")); };
-  ExpectRefusals<Shot>(empty, ShotBytes,
-                       {{export_grey("a.png"), kEmptyInput, {grey + "empty"}},
-                        {export_colour, kEmptyInput, {colour + "empty"}}});
-  ExpectRefusals<Shot>(shot, ShotBytes,
+  ExpectRefusals<Shot>(empty, {{export_grey("a.png"), kEmptyInput, {grey + "empty"}},
+                               {export_colour, kEmptyInput, {colour + "empty"}}});
+  ExpectRefusals<Shot>(shot,
                        {{export_grey("a.unknown-extension"), kOpenWriteFailed, {grey + "imwrite"}},
                         {export_colour, kOpenWriteFailed, {colour + "imwrite"}}});
 }

@@ -15,10 +15,10 @@ void Expect(int result, const LogCapture& log, int status, const std::string& te
   EXPECT_EQ(log.Errors(), text.empty() ? Lines{} : Lines{Line(text)});
 }
 
-#define EXPECT_CHECK(call, ...)            \
-  do {                                     \
-    LogCapture log;                        \
-    Expect(call, log, __VA_ARGS__);        \
+#define EXPECT_CHECK(call, ...)     \
+  do {                              \
+    LogCapture log;                 \
+    Expect(call, log, __VA_ARGS__); \
   } while (0)
 
 TEST(LedMeterCheck, SingleTestsRunInTheirOrder) {
@@ -28,12 +28,15 @@ TEST(LedMeterCheck, SingleTestsRunInTheirOrder) {
   meter.color = 0;
   meter.chroma = cv::Mat(0, 5, CV_32FC1);  // a shape without elements
   const LedMeter* tested = nullptr;
-  const uint32_t flags = kCheckNotNull | kCheckHasPartition | kCheckHasLayer | kCheckChromaNotEmpty |
-                         kCheckPosNotEmpty | kCheckStateNotEmpty | kCheckTypeValid | kCheckColorValid;
+  const Partition part{0, 0, 3, 2, 3, 2};
+  const Layer layer{0, 1.0f, 1};
+  const uint32_t flags = kCheckNotNull | kCheckHasPartition | kCheckHasLayer |
+                         kCheckChromaNotEmpty | kCheckPosNotEmpty | kCheckStateNotEmpty |
+                         kCheckTypeValid | kCheckColorValid;
   ExpectOrder([&] { return LedMeter::Check(flags, tested); },
               {{kNullInput, Line("input is nullptr"), [&] { tested = &meter; }},
-               {kOutOfRange, Line("part is nullptr"), [&] { meter.SetPartition({0, 0, 3, 2, 3, 2}); }},
-               {kOutOfRange, Line("layer is nullptr"), [&] { meter.SetLayer({0, 1.0f, 1}); }},
+               {kOutOfRange, Line("part is nullptr"), [&] { meter.SetPartition(part); }},
+               {kOutOfRange, Line("layer is nullptr"), [&] { meter.SetLayer(layer); }},
                {kEmptyPlane, Line("chroma is empty"), [&] { meter.chroma = valid.chroma; }},
                {kEmptyPlane, Line("pos is empty"), [&] { meter.pos = valid.pos; }},
                {kEmptyPlane, Line("state is empty"), [&] { meter.state = valid.state; }},
@@ -62,20 +65,21 @@ TEST(LedMeterCheck, PairTestsRunAfterBothMetersInTheirOrder) {
   const uint32_t flags = kCheckTypeValid | kCheckColorValid | kCheckTypeSame | kCheckColorSame |
                          kCheckChromaSizeSame | kCheckPosSizeSame | kCheckStateSizeSame |
                          kCheckTypeIsY | kCheckLayerValueSame | kCheckLayerNormsSame;
-  ExpectOrder([&] { return LedMeter::Check(flags, &a, &b); },
-              {{kOutOfRange, Line("input color"), [&] { a.color = 1; }},
-               {kOutOfRange, Line("input type"), [&] { b.type = CIE_Z; }},
-               {kOutOfRange, Line("input type different"), [&] { b.type = CIE_X; }},
-               {kOutOfRange, Line("input color different"), [&] { b.color = 1; }},
-               {kOutOfRange, Line("input chroma size different"), [&] { b.chroma = a.chroma; }},
-               {kOutOfRange, Line("input pos size different"), [&] { b.pos = a.pos; }},
-               {kOutOfRange, Line("input state size different"), [&] { b.state = a.state; }},
-               {kOutOfRange, Line("input type not CIE_Y"), [&] { a.type = b.type = CIE_Y; }},
-               {kOutOfRange, Line("layer value not same."), [&] { b.layer->value = a.layer->value; }},
-               {kOutOfRange, Line("layer linera_norms not same."), [&] {
-                  a.layer->linear_norms = 0.0f;
-                  b.layer->linear_norms = -0.0f;
-                }}});
+  ExpectOrder(
+      [&] { return LedMeter::Check(flags, &a, &b); },
+      {{kOutOfRange, Line("input color"), [&] { a.color = 1; }},
+       {kOutOfRange, Line("input type"), [&] { b.type = CIE_Z; }},
+       {kOutOfRange, Line("input type different"), [&] { b.type = CIE_X; }},
+       {kOutOfRange, Line("input color different"), [&] { b.color = 1; }},
+       {kOutOfRange, Line("input chroma size different"), [&] { b.chroma = a.chroma; }},
+       {kOutOfRange, Line("input pos size different"), [&] { b.pos = a.pos; }},
+       {kOutOfRange, Line("input state size different"), [&] { b.state = a.state; }},
+       {kOutOfRange, Line("input type not CIE_Y"), [&] { a.type = b.type = CIE_Y; }},
+       {kOutOfRange, Line("layer value not same."), [&] { b.layer->value = a.layer->value; }},
+       {kOutOfRange, Line("layer linera_norms not same."), [&] {
+          a.layer->linear_norms = 0.0f;
+          b.layer->linear_norms = -0.0f;
+        }}});
 }
 
 TEST(LedMeterCheck, DistinctnessMissingLayersAndThreeMeters) {

@@ -14,16 +14,18 @@ TEST(LedMeterSetters, RegionsInsideTheScreenAndPanelsWithLeds) {
   for (const Partition& bad : {Partition{0, 0, 11, 10, 10, 10}, Partition{-1, 0, 5, 5, 10, 10},
                                Partition{0, 0, 10, 10, 0, 10}, Partition{0, 0, 0, 10, 10, 10},
                                Partition{5, 0, INT_MAX, 1, 10, 10}}) {
-    refusals.push_back({[=](LedMeter& m) { return m.SetPartition(bad); }, kBadPartition,
+    refusals.push_back({[=](LedMeter& m) { return m.SetPartition(bad); },
+                        kBadPartition,
                         {"LedMeter::SetPartition--Error :: invalid screen wh or partition xywh"}});
   }
   for (const LedPanel& bad : {LedPanel{1, 2, 3, 0, 8, 1.5f}, LedPanel{1, 2, 3, 8, 0, 1.5f}}) {
-    refusals.push_back({[=](LedMeter& m) { return m.SetLedPanel(bad); }, kBadLedPanel,
+    refusals.push_back({[=](LedMeter& m) { return m.SetLedPanel(bad); },
+                        kBadLedPanel,
                         {"LedMeter::SetLedPanel--Error :: invalid panel_wh"}});
   }
-  ExpectRefusals<LedMeter>(meter, MeterBytes, refusals);  // no panel allocated
+  ExpectRefusals<LedMeter>(meter, refusals);  // no panel allocated
   ASSERT_EQ(meter.SetLedPanel({1, 2, 3, 16, 8, 1.5f}), kOk);
-  ExpectRefusals<LedMeter>(meter, MeterBytes, refusals);
+  ExpectRefusals<LedMeter>(meter, refusals);
 }
 
 TEST(LedMeterClear, ReleasesRecordsAndKeepsPlaneTypes) {

@@ -30,7 +30,8 @@ TEST(MeterMean, AveragesTheValuePlanesOnly) {
   cv::Mat sum = (cv::Mat_<float>(1, 3) << 5, 10, 6);
   sum.convertTo(sum, -1, 1.0 / 3);
   EXPECT_EQ(cv::norm(mean.chroma, sum, cv::NORM_INF), 0.0);
-  EXPECT_LT(cv::norm(mean.chroma, cv::Mat((cv::Mat_<float>(1, 3) << 5.0 / 3, 10.0 / 3, 2.0)), cv::NORM_INF),
+  EXPECT_LT(cv::norm(mean.chroma, cv::Mat((cv::Mat_<float>(1, 3) << 5.0 / 3, 10.0 / 3, 2.0)),
+                     cv::NORM_INF),
             1e-6);
   EXPECT_EQ(mean.state.at<uint8_t>(0, 0), 2);
   EXPECT_EQ(mean.layer->index, 2);
@@ -48,14 +49,16 @@ TEST(MeterMean, RefusalsWriteNoResult) {
   const std::string line = "LedMeter::MeterMean--Error ";
   std::string out = dir.Path("mean.meter");
   ExpectRefusals<std::string>(
-      out, [](const std::string& file) { return std::to_string(std::filesystem::exists(file)); },
+      out,
       {{mean({first, first}, 3), kWrongFileCount, {line + "in file num"}},
        {mean({}, 0), kWrongFileCount, {line + "in file num"}},
        {mean({first, other}, 2), kOutOfRange, {line + "files are not in same color"}},
        {mean({first, wide}, 2), kOutOfRange, {line + "files are not in same size"}},
        {mean({first, ""}, 2), kNullInput, {line + ":: empty file name"}},
-       {mean({first, missing}, 2), kOpenReadFailed,
-        {"LedMeter::Load -- Failed to Open file. fullname = " + missing}}});
+       {mean({first, missing}, 2),
+        kOpenReadFailed,
+        {"LedMeter::Load -- Failed to Open file. fullname = " + missing}}},
+      [](const std::string& file) { return std::to_string(std::filesystem::exists(file)); });
   EXPECT_FALSE(std::filesystem::exists(out));
 }
 

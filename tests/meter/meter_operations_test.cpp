@@ -44,7 +44,8 @@ void GridSets(const Shot& shot, LedSet* positions, LedSet* values) {
 TEST(MeterAdd, FourCapturesOfATwoByTwoGridFillTheMeter) {
   LedMeter meter;
   LedSet positions, values;
-  for (const cv::Point cell : {cv::Point(1, 1), cv::Point(0, 0), cv::Point(1, 0), cv::Point(0, 1)}) {
+  for (const cv::Point cell :
+       {cv::Point(1, 1), cv::Point(0, 0), cv::Point(1, 0), cv::Point(0, 1)}) {
     const Shot shot = GridShot(cell.x, cell.y);
     GridSets(shot, &positions, &values);
     ASSERT_EQ(meter.Add(&shot, &positions, &values), kOk);
@@ -63,44 +64,39 @@ TEST(MeterAdd, FourCapturesOfATwoByTwoGridFillTheMeter) {
   EXPECT_EQ(meter.layer->value, 200);
   const Shot again = GridShot(1, 0);
   GridSets(again, &positions, &values);
-  ExpectRefusals<LedMeter>(meter, MeterBytes,
-                           {{[&](LedMeter& m) { return m.Add(&again, &positions, &values); },
-                             kCaptureAlreadyAdded, {"LedMeter::CheckInput--Error :: data has added."}}});
+  ExpectRefusals<LedMeter>(meter, {{[&](LedMeter& m) { return m.Add(&again, &positions, &values); },
+                                    kCaptureAlreadyAdded,
+                                    {"LedMeter::CheckInput--Error :: data has added."}}});
 }
 
 TEST(MeterAdd, RefusedCapturesLeaveTheMeter) {
-  LedMeter meter;
+  LedMeter meter, fresh;
+  LedSet positions, values, empty, wrong_size{cv::Mat(1, 1, CV_8UC1), cv::Mat(1, 1, CV_32FC1)};
   const Shot first = GridShot(0, 0);
-  LedSet positions, values, empty;
   GridSets(first, &positions, &values);
   ASSERT_EQ(meter.Add(&first, nullptr, &values), kOk);  // positions not begun
-  const Shot next = GridShot(1, 0);
-  GridSets(next, &positions, &values);
-  LedSet wrong_size{cv::Mat(1, 1, CV_8UC1), cv::Mat(1, 1, CV_32FC1)};
-  Shot other_set = GridShot(1, 0);
-  other_set.SetColor(4);
-  Shot colour_image = GridShot(1, 0);
-  colour_image.SetColor(4);
-  colour_image.image = cv::Mat(2, 2, CV_16UC3);
-  Shot colourless = GridShot(1, 0);
-  colourless.color.reset();
+  Shot next[4] = {GridShot(1, 0), GridShot(1, 0), GridShot(1, 0), GridShot(1, 0)};
+  GridSets(next[0], &positions, &values);
+  next[1].SetColor(4);
+  next[2].SetColor(4);
+  next[2].image = cv::Mat(2, 2, CV_16UC3);
+  next[3].color.reset();
   const auto add = [&](const Shot* shot, const LedSet* pos, const LedSet* value) {
     return [=](LedMeter& m) { return m.Add(shot, pos, value); };
   };
   const std::string check = "LedMeter::CheckInput--Error :: ";
+  const std::string size = check + "mismatch lighted led width and height.";
+  const std::string null_values = "LedMeter::Add--Error :: value_set is nullptr.";
+  const std::string no_colour = "Shot::Check--Error :: meta::color info incompleted.";
   ExpectRefusals<LedMeter>(
-      meter, MeterBytes,
-      {{add(&next, &positions, &values), kOutOfSequence, {check + "mismatch sequance."}},
-       {add(nullptr, nullptr, &values), kNullInput, {check + "input nullptr."}},
-       {add(&next, nullptr, nullptr), kNullInput, {"LedMeter::Add--Error :: value_set is nullptr."}},
-       {add(&next, nullptr, &wrong_size), kLitLedSizeMismatch,
-        {check + "mismatch lighted led width and height."}},
-       {add(&next, nullptr, &empty), kEmptyInput, {check + "inpute empty."}},
-       {add(&other_set, nullptr, &values), kNotSameSet, {check + "data not in same set."}},
-       {add(&colour_image, nullptr, &values), kMultiChannelCapture, {check + "multi channels"}},
-       {add(&colourless, nullptr, &values), kNoColor,
-        {"Shot::Check--Error :: meta::color info incompleted."}}});
-
+      meter, {{add(next, &positions, &values), kOutOfSequence, {check + "mismatch sequance."}},
+              {add(nullptr, nullptr, &values), kNullInput, {check + "input nullptr."}},
+              {add(next, nullptr, nullptr), kNullInput, {null_values}},
+              {add(next, nullptr, &wrong_size), kLitLedSizeMismatch, {size}},
+              {add(next, nullptr, &empty), kEmptyInput, {check + "inpute empty."}},
+              {add(next + 1, nullptr, &values), kNotSameSet, {check + "data not in same set."}},
+              {add(next + 2, nullptr, &values), kMultiChannelCapture, {check + "multi channels"}},
+              {add(next + 3, nullptr, &values), kNoColor, {no_colour}}});
   // Metadata changed behind the setters' back, as a loaded shot may hold,
   // cannot steer the scatter out of the planes.
   Shot steered[4] = {GridShot(1, 1), GridShot(1, 1), GridShot(1, 1), GridShot(1, 1)};
@@ -109,14 +105,12 @@ TEST(MeterAdd, RefusedCapturesLeaveTheMeter) {
   steered[1].pattern->interval_x = 1 << 30;
   steered[2].part->w = 1 << 30;
   steered[3].part.reset();
-  LedMeter fresh;
   ExpectRefusals<LedMeter>(
-      fresh, MeterBytes,
-      {{add(&steered[0], &positions, &values), kBadPattern, {check + "invalid pattern."}},
-       {add(&steered[1], &positions, &values), kBadPattern, {check + "invalid pattern."}},
-       {add(&steered[2], &positions, &values), kLitLedSizeMismatch,
-        {check + "mismatch lighted led width and height."}},
-       {add(&steered[3], &positions, &values), kBadPartition, {check + "partition missing."}}});
+      fresh,
+      {{add(steered, &positions, &values), kBadPattern, {check + "invalid pattern."}},
+       {add(steered + 1, &positions, &values), kBadPattern, {check + "invalid pattern."}},
+       {add(steered + 2, &positions, &values), kLitLedSizeMismatch, {size}},
+       {add(steered + 3, &positions, &values), kBadPartition, {check + "partition missing."}}});
 }
 
 TEST(MeterAlign, RadiusFiveSixZeroNegativeAndWholePlane) {
@@ -125,9 +119,10 @@ TEST(MeterAlign, RadiusFiveSixZeroNegativeAndWholePlane) {
   meter.chroma = cv::Mat(10, 10, CV_32FC1, cv::Scalar(2.0f));
   const float targets[3] = {1.0f, 8.0f, 3.0f};
   const int point[2] = {5, 5}, six = 6, five = 5, zero = 0, negative = -1;
-  ExpectRefusals<LedMeter>(meter, MeterBytes,
+  ExpectRefusals<LedMeter>(meter,
                            {{[&](LedMeter& m) { return m.Align(targets, point, &six); },
-                             kBadAlignment, {"LedMeter::Align--Error :: in_point or in_radius is invalid"}}});
+                             kBadAlignment,
+                             {"LedMeter::Align--Error :: in_point or in_radius is invalid"}}});
   EXPECT_EQ(meter.Align(targets, point, &five), kOk);  // the disc reaches row and column 10
   EXPECT_EQ(meter.chroma.at<float>(9, 9), 8.0f);
 
@@ -147,9 +142,10 @@ TEST(MeterAlign, RadiusFiveSixZeroNegativeAndWholePlane) {
   LedMeter empty;
   const std::string empty_line = "LedMeter::Align--Error :: chroma empty";
   ExpectRefusals<LedMeter>(
-      empty, MeterBytes,
-      {{[&](LedMeter& m) { return m.Align(z_targets, nullptr, nullptr); }, kEmptyInput, {empty_line}},
-       {[](LedMeter& m) { return m.FixDeadPoint(); }, kEmptyInput, {empty_line}}});
+      empty, {{[&](LedMeter& m) { return m.Align(z_targets, nullptr, nullptr); },
+               kEmptyInput,
+               {empty_line}},
+              {[](LedMeter& m) { return m.FixDeadPoint(); }, kEmptyInput, {empty_line}}});
 }
 
 // Dead LEDs take the literal median of their 3 x 3 neighbourhood (border
@@ -191,9 +187,7 @@ TEST(MeterExport, GreyChromaAndPointPictures) {
   LedMeter meter;
   meter.chroma = (cv::Mat_<float>(2, 2) << 1, 2, 4, -8);
   ASSERT_EQ(meter.ExportGrayChroma(dir.Path("chroma.png")), kOk);
-  EXPECT_EQ(cv::norm(picture("chroma.png"), cv::Mat((cv::Mat_<uint8_t>(2, 2) << 32, 64, 128, 0)),
-                     cv::NORM_INF),
-            0.0);
+  EXPECT_EQ(cv::norm(picture("chroma.png"), cv::Mat_<uint8_t>({2, 2}, {32, 64, 128, 0})), 0.0);
   meter.SetPartition(Partition{1, 1, 2, 2, 4, 3});
   ASSERT_EQ(meter.ExportGrayChroma(dir.Path("screen.png"), 3.0, {cv::Point(0, 0)}, true), kOk);
   const cv::Mat screen = picture("screen.png");
@@ -204,24 +198,27 @@ TEST(MeterExport, GreyChromaAndPointPictures) {
   ASSERT_EQ(meter.ExportPointImage(dir.Path("y.png"), 1), kOk);
   EXPECT_EQ(picture("y.png").at<uint8_t>(0, 1), 255);
 
-  const std::string png = dir.Path("a.png");
-  const auto grey = [&](double scale) {
-    return [=](LedMeter& m) { return m.ExportGrayChroma(png, scale); };
+  const std::string grey = "LedMeter::ExportGrayChroma--Error :: ";
+  const std::string point = "LedMeter::ExportPointImage--Error :: ";
+  const auto scaled = [&](double scale) {
+    return [=, &dir](LedMeter& m) { return m.ExportGrayChroma(dir.Path("a.png"), scale); };
   };
-  const std::string scale_line = "LedMeter::ExportGrayChroma--Error :: scale";
+  const auto points = [&](const std::string& name, int channel, bool empty) {
+    return [=, &dir](LedMeter& m) {
+      const LedMeter none;
+      return (empty ? none : m).ExportPointImage(dir.Path(name), channel);
+    };
+  };
   ExpectRefusals<LedMeter>(
-      meter, MeterBytes,
-      {{grey(0.0), kOutOfRange, {scale_line}},
-       {grey(NAN), kOutOfRange, {scale_line}},
-       {grey(1e9), kOutOfRange, {scale_line}},
-       {[&](LedMeter& m) { return m.ExportPointImage(dir.Path("z.png"), 2); }, kOutOfRange,
-        {"LedMeter::ExportPointImage--Error :: channel"}},
-       {[&](LedMeter&) { return LedMeter().ExportGrayChroma(png); }, kEmptyInput,
-        {"LedMeter::ExportGrayChroma--Error :: empty"}},
-       {[&](LedMeter&) { return LedMeter().ExportPointImage(png); }, kEmptyInput,
-        {"LedMeter::ExportPointImage--Error :: empty"}},
-       {[&](LedMeter& m) { return m.ExportPointImage(dir.Path("a.unknown-extension")); },
-        kOpenWriteFailed, {"LedMeter::ExportPointImage--Error :: imwrite"}}});
+      meter, {{scaled(0.0), kOutOfRange, {grey + "scale"}},
+              {scaled(NAN), kOutOfRange, {grey + "scale"}},
+              {scaled(1e9), kOutOfRange, {grey + "scale"}},
+              {[&](LedMeter&) { return LedMeter().ExportGrayChroma(dir.Path("a.png")); },
+               kEmptyInput,
+               {grey + "empty"}},
+              {points("z.png", 2, false), kOutOfRange, {point + "channel"}},
+              {points("a.png", 0, true), kEmptyInput, {point + "empty"}},
+              {points("a.unknown-extension", 0, false), kOpenWriteFailed, {point + "imwrite"}}});
 }
 
 }  // namespace

@@ -34,36 +34,36 @@ inline LedMeter MakeMeter(uint32_t type, uint32_t color, int rows = 2, int cols 
   return meter;
 }
 
-// Type, shape, buffer and content of a plane.
-inline std::string PlaneBytes(const cv::Mat& plane) {
+// Type, shape, buffer address and content of a plane.
+inline std::string Bytes(const cv::Mat& plane) {
   const cv::Mat whole = plane.clone();
   return std::to_string(plane.type()) + ' ' + std::to_string(plane.rows) + 'x' +
-         std::to_string(plane.cols) + '@' + std::to_string(reinterpret_cast<uintptr_t>(plane.data)) +
+         std::to_string(plane.cols) + '@' + std::to_string(uintptr_t(plane.data)) +
          std::string(reinterpret_cast<const char*>(whole.data), whole.total() * whole.elemSize());
 }
 
 template <typename Record>
-std::string RecordBytes(const std::unique_ptr<Record>& record) {
+std::string Bytes(const std::unique_ptr<Record>& record) {
   return record ? std::string(reinterpret_cast<const char*>(record.get()), sizeof(Record)) : "-";
 }
 
 // Everything a meter holds, for "left unchanged" checks.
-inline std::string MeterBytes(const LedMeter& m) {
-  return std::to_string(m.type) + ' ' + std::to_string(m.color) + RecordBytes(m.partition) +
-         RecordBytes(m.layer) + RecordBytes(m.led_panel) + RecordBytes(m.capture) +
-         PlaneBytes(m.state) + PlaneBytes(m.pos) + PlaneBytes(m.chroma) + PlaneBytes(m.add_map);
+inline std::string Bytes(const LedMeter& m) {
+  return std::to_string(m.type) + ' ' + std::to_string(m.color) + Bytes(m.partition) +
+         Bytes(m.layer) + Bytes(m.led_panel) + Bytes(m.capture) + Bytes(m.state) + Bytes(m.pos) +
+         Bytes(m.chroma) + Bytes(m.add_map);
 }
 
 // Everything a shot holds: its stream and its image buffer.
-inline std::string ShotBytes(const Shot& shot) {
+inline std::string Bytes(const Shot& shot) {
   std::string stream(4096 + shot.image.total() * shot.image.elemSize(), '\0');
   size_t size = stream.size();
   const int status = shot.ToBuffer(stream.data(), &size);
   return std::to_string(status) + ' ' + std::to_string(shot.type) +
-         (status == kOk ? stream.substr(0, size) : "") + PlaneBytes(shot.image);
+         (status == kOk ? stream.substr(0, size) : "") + Bytes(shot.image);
 }
 
-// A call that `record` must refuse with `status` and exactly `errors`.
+// A call that the record must refuse with `status` and exactly `errors`.
 template <typename Record>
 struct Refusal {
   std::function<int(Record&)> call;
@@ -71,11 +71,14 @@ struct Refusal {
   Lines errors;
 };
 
-// Runs each refusal in turn and expects its status and lines, and the record
-// as it was before (compared through `bytes`).
+// Runs each refusal in turn and expects its status and lines, and `bytes`
+// of the record as they were before.
 template <typename Record>
-void ExpectRefusals(Record& record, const std::function<std::string(const Record&)>& bytes,
-                    const std::vector<Refusal<Record>>& refusals) {
+void ExpectRefusals(
+    Record& record, const std::vector<Refusal<Record>>& refusals,
+    const std::function<std::string(const Record&)>& bytes = [](const Record& r) {
+      return Bytes(r);
+    }) {
   const std::string before = bytes(record);
   for (size_t i = 0; i < refusals.size(); ++i) {
     LogCapture log;
