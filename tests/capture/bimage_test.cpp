@@ -46,24 +46,27 @@ TEST(RawReader, CameraGeometryAndRefusalsOfTheShotReaders) {
   const std::string small = dir.Write("small.raw", std::string(11, '\0'));
   const std::string dng = dir.Write("magic.dng", Put(MakeDng("II", 2, 2, 46), 2, 43, 2));
   const std::string size_line = "BImage::ReadOrvoRaw -- Check file size, fullname = ";
+  const std::string read_line = "Shot::CreateFromRaw -- Error Read raw file";
   const std::string dng_line = "Shot::ReadDng--Error ::Error Read dng file = " + dng;
-  const auto quiet = [](int status) { return GetCapturedStdout(), status; };
+  const auto camera = [](std::string name, int cam) {
+    return [=](Shot& s) { return s.CreateFromRaw(name, cam, CAM_G); };
+  };
+  const auto read_dng = [&](bool toup) {
+    return [=](Shot& s) {
+      CaptureStdout();  // the "not dng" line
+      const int status = toup ? s.ReadDngToupTek(dng, CAM_G) : s.ReadDng(dng, CAM_G, 0);
+      GetCapturedStdout();
+      return status;
+    };
+  };
+  const auto sized = [&](Shot& s) { return s.CreateFromRaw(small, CAM_G, 3, 2, 0); };
+  const Lines sized_lines = {size_line + small, read_line + " = " + small};
   ExpectRefusals<Shot>(
-      shot, {{[&](Shot& s) { return s.CreateFromRaw(small, CAM_G, 3, 2, 0); },
-              kOpenReadFailed,
-              {size_line + small, "Shot::CreateFromRaw -- Error Read raw file = " + small}},
-             {[&](Shot& s) { return s.CreateFromRaw(small, 5, CAM_G); },
-              kUnknownCameraType,
-              {"Shot::CreateFromRaw -- Error CameraType"}},
-             {[&](Shot& s) { return s.CreateFromRaw(file, 320012, CAM_G); },
-              kOpenReadFailed,
-              {size_line + file, "Shot::CreateFromRaw -- Error Read raw file=" + file}},
-             {[&](Shot& s) { return CaptureStdout(), quiet(s.ReadDng(dng, CAM_G, 0)); },
-              kOpenReadFailed,
-              {dng_line}},
-             {[&](Shot& s) { return CaptureStdout(), quiet(s.ReadDngToupTek(dng, CAM_G)); },
-              kOpenReadFailed,
-              {dng_line}}});
+      shot, {{sized, kOpenReadFailed, sized_lines},
+             {camera(small, 5), kUnknownCameraType, {"Shot::CreateFromRaw -- Error CameraType"}},
+             {camera(file, 320012), kOpenReadFailed, {size_line + file, read_line + "=" + file}},
+             {read_dng(false), kOpenReadFailed, {dng_line}},
+             {read_dng(true), kOpenReadFailed, {dng_line}}});
 }
 
 // A 7 x 5 TIFF written by tifffile (write_tiff.py); rows_per_strip 0 gives one strip.

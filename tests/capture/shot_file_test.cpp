@@ -31,12 +31,7 @@ Shot FullShot() {
   shot.SetLayer(Layer{3, 0.5f, 128});
   shot.SetPattern(Pattern{1, 2, 2, 1, 0, -1, -1});
   shot.SetColor(2);
-  Device device{};
-  std::strcpy(device.id, "camera");
-  std::strcpy(device.lens_id, "lens");
-  device.cam_type = 320012;
-  device.lens_type = 7;
-  shot.SetDevice(device);
+  shot.SetDevice(Device{"camera", 320012, "lens", 7});
   shot.SetCapture(Capture{100, 2, 8, 0, 1});
   return shot;
 }
@@ -73,20 +68,16 @@ TEST(ShotStream, LayoutsAndRoundTrips) {
   ASSERT_EQ(loaded.image.type(), CV_16UC3);
   EXPECT_EQ(loaded.image.at<cv::Vec3w>(0, 1), cv::Vec3w(0, 2, 65535));
   EXPECT_EQ(loaded.type, static_cast<uint32_t>(CIE_XYZ));
-}
 
-TEST(ShotStream, LoadingOverwritesOnlyWhatTheStreamHolds) {
+  // Loading overwrites only what the stream holds; an unknown tag has no payload.
   Shot source;
   source.SetImageSingle(cv::Mat(1, 1, CV_16UC1, cv::Scalar(5)), CAM_B);
   source.SetColor(1);
-  std::string content = Content(source);
-  content.insert(content.size() - 4, Words({77}));  // an unknown tag: no payload, passed over
+  std::string partial = Content(source);
+  partial.insert(partial.size() - 4, Words({77}));
   Shot target = FullShot();
-  ASSERT_EQ(target.FromBuffer(content.data(), content.size()), kOk);
-  EXPECT_EQ(*target.color, 1);
-  ASSERT_NE(target.layer, nullptr);
-  EXPECT_EQ(target.layer->value, 128);
-  EXPECT_EQ(target.type, static_cast<uint32_t>(CAM_B));
+  ASSERT_EQ(target.FromBuffer(partial.data(), partial.size()), kOk);
+  EXPECT_TRUE(*target.color == 1 && target.type == CAM_B && target.layer->value == 128);
 }
 
 TEST(ShotStream, RefusedStreamsAndFilesLeaveTheShot) {
@@ -101,6 +92,10 @@ TEST(ShotStream, RefusedStreamsAndFilesLeaveTheShot) {
   const std::string data_line = "Shot::FromBuffer -- Error data in file.";
   const std::string ext_line = "--Error :: ext filename mismatch.";
   const std::string missing = dir.Path("missing/a.shot");
+  const std::string save_line = "Shot::Save -- Failed to Open file. fullname = " + missing;
+  const std::string load_line = "Shot::Load -- Failed to Open file.fullname = " + missing;
+  const auto save = [](std::string name) { return [=](Shot& s) { return s.Save(name); }; };
+  const auto load = [](std::string name) { return [=](Shot& s) { return s.Load(name); }; };
   Shot shot = FullShot();
   ExpectRefusals<Shot>(
       shot, {{from(bad_mark), kBadByteOrderMark, {"Shot::FromBuffer -- Error file endianness."}},
@@ -108,19 +103,11 @@ TEST(ShotStream, RefusedStreamsAndFilesLeaveTheShot) {
              {from(content.substr(0, content.size() - 4)), kBadVersion, {data_line}},
              {from(content.substr(0, 30)), kBadVersion, {data_line}},
              {[](Shot& s) { return s.FromBuffer(nullptr, 5); }, kNullInput, {}},
-             {[&](Shot& s) { return s.Save(dir.Path("a.SHOT")); },
-              kBadExtension,
-              {"Shot::Save" + ext_line}},
-             {[](Shot& s) { return s.Save(".shot"); }, kBadExtension, {"Shot::Save" + ext_line}},
-             {[&](Shot& s) { return s.Load(dir.Path("a.shot.bak")); },
-              kBadExtension,
-              {"Shot::Load" + ext_line}},
-             {[&](Shot& s) { return s.Save(missing); },
-              kOpenWriteFailed,
-              {"Shot::Save -- Failed to Open file. fullname = " + missing}},
-             {[&](Shot& s) { return s.Load(missing); },
-              kOpenReadFailed,
-              {"Shot::Load -- Failed to Open file.fullname = " + missing}}});
+             {save(dir.Path("a.SHOT")), kBadExtension, {"Shot::Save" + ext_line}},
+             {save(".shot"), kBadExtension, {"Shot::Save" + ext_line}},
+             {load(dir.Path("a.shot.bak")), kBadExtension, {"Shot::Load" + ext_line}},
+             {save(missing), kOpenWriteFailed, {save_line}},
+             {load(missing), kOpenReadFailed, {load_line}}});
 
   // A short caller's buffer is left as it was; no line for the caller's faults.
   std::string buffer(content.size() - 1, 'x');

@@ -60,15 +60,15 @@ TEST(ShotImage, ColourSetterTakesThePlaneOfTheTypeOrRefuses) {
     return [=](Shot& s) { return s.SetImageColor(image, bayer, type); };
   };
   const std::string bayer_line = "Shot::SetImageColor--Error :: in_bayer_type";
+  const std::string type_line =
+      "Shot::SetImage--Error :: in_cie_type != CAM_R && in_cie_type != CAM_G && in_cie_type != "
+      "CAM_B && in_cie_type != CAM_RGB";
+  const std::string data_line = "Shot::SetImageColor--Error :: data and type mismatch";
+  const cv::Mat bytes(4, 4, CV_8UC1);
   Shot shot;
   ExpectRefusals<Shot>(
-      shot, {{set(raw, cv::COLOR_BayerRG2BGR, CIE_Y),
-              kUnsupportedCaptureType,
-              {"Shot::SetImage--Error :: in_cie_type != CAM_R && in_cie_type != CAM_G && "
-               "in_cie_type != CAM_B && in_cie_type != CAM_RGB"}},
-             {set(cv::Mat(4, 4, CV_8UC1), cv::COLOR_BayerRG2BGR, CAM_R),
-              kBadImageDataType,
-              {"Shot::SetImageColor--Error :: data and type mismatch"}},
+      shot, {{set(raw, cv::COLOR_BayerRG2BGR, CIE_Y), kUnsupportedCaptureType, {type_line}},
+             {set(bytes, cv::COLOR_BayerRG2BGR, CAM_R), kBadImageDataType, {data_line}},
              {set(raw, 0, CAM_R), kZeroBayerCode, {bayer_line}},
              {set(raw, cv::COLOR_BayerRG2GRAY, CAM_RGB), kOutOfRange, {bayer_line}},
              {set(raw, cv::COLOR_BGR2HSV, CAM_RGB), kOutOfRange, {bayer_line}}});
