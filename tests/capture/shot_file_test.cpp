@@ -77,7 +77,8 @@ TEST(ShotStream, LayoutsAndRoundTrips) {
   partial.insert(partial.size() - 4, Words({77}));
   Shot target = FullShot();
   ASSERT_EQ(target.FromBuffer(partial.data(), partial.size()), kOk);
-  EXPECT_TRUE(*target.color == 1 && target.type == CAM_B && target.layer->value == 128);
+  EXPECT_TRUE(*target.color == 1 && target.type == CAM_B && target.layer &&
+              target.layer->value == 128);
 }
 
 TEST(ShotStream, RefusedStreamsAndFilesLeaveTheShot) {

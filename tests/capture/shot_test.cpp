@@ -16,6 +16,7 @@ TEST(ShotSetters, PartitionInsideTheScreenAndPatternCounts) {
   ASSERT_EQ(shot.SetPattern(Pattern{7, 3, 3, 2, 0, 0, 0}), kOk);
   EXPECT_EQ(shot.pattern->lighted_led_w, 3);                        // columns 2, 5, 8
   EXPECT_EQ(shot.pattern->lighted_led_h, 3);                        // rows 0, 3, 6
+  ASSERT_EQ(shot.SetPattern(Pattern{7, 3, 3, 2, 0, 3, 3}), kOk);    // agreeing counts
   ASSERT_EQ(shot.SetPartition(Partition{2, 0, 8, 9, 10, 9}), kOk);  // x + w == screen_w
   std::vector<Refusal<Shot>> refusals;
   for (const Partition& bad :
