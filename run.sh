@@ -14,7 +14,7 @@ cd "$(dirname "$0")"
 
 jobs=$(nproc 2>/dev/null || echo 2)
 packages=(
-  build-essential cmake pkg-config
+  build-essential cmake pkg-config ccache
   libopencv-dev libomp-dev
   libgtest-dev libbenchmark-dev
   libcli11-dev nlohmann-json3-dev
@@ -39,13 +39,19 @@ setup() {
     "${missing[@]}" >/dev/null
 }
 
+# Compiler cache: repeated builds, also from another clone of the same
+# sources, reuse earlier object files (paths are taken relative to the clone).
+export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=true
+
 # configure NAME [cmake options...]: configure build/NAME.
 configure() {
   local name=$1
   shift
-  local werror=OFF
+  local werror=OFF launcher=()
   [ "${CI:-}" = true ] && werror=ON
-  cmake -S . -B "build/$name" -DCMAKE_BUILD_TYPE=Release -DAIMHUE_WERROR=$werror "$@" >/dev/null
+  command -v ccache >/dev/null 2>&1 && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  cmake -S . -B "build/$name" -DCMAKE_BUILD_TYPE=Release -DAIMHUE_WERROR=$werror \
+    "${launcher[@]}" "$@" >/dev/null
 }
 
 # build NAME [cmake options...]: configure and build all of build/NAME.

@@ -8,7 +8,10 @@
 #include <aimhue/bimage.h>
 #include <aimhue/bio.h>
 #include <aimhue/export.h>
+#include <aimhue/led_meter.h>
+#include <aimhue/led_set.h>
 #include <aimhue/plume_log.h>
+#include <aimhue/records.h>
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
 #include <aimhue/target.h>

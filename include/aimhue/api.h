@@ -117,9 +117,10 @@ AIMHUE_EXPORT int AimhueGet(AimhueHandle handle, float* out_targets, float* out_
 
 // Rescales the three target luminances by `scale` and balances them to the
 // wanted white's x, y (its L is ignored); writes the white point. `flag` > 0
-// leaves the gains uncapped, otherwise they are capped at 1.1. Status: 1 for
-// a null handle or null `white`; otherwise always 0, even when the engine
-// refuses the scale (outside (0, 1.0]) and changes nothing.
+// leaves the gains uncapped, otherwise they are scaled down together so that
+// none exceeds 1.1. Status: 1 for a null handle or null `white`; otherwise
+// always 0, even when the engine refuses the scale (outside (0, 1.0]) and
+// changes nothing.
 AIMHUE_EXPORT int AimhueCalcWhite(AimhueHandle handle, float scale, const aimhue::TargetLxy* white,
                                   int flag);
 
@@ -143,7 +144,8 @@ AIMHUE_EXPORT int AimhueCalcPercentNG(AimhueHandle handle, const aimhue::LedMete
 // limit is greater than the coverage of all three targets measured here.
 // Status: 1 for a null handle, 9 when `count` is not 3, 1 for a null
 // `out_ng`, then the first combination error; 0 when the judgement ran.
-// *out_ng is written only when the status is 0.
+// *out_ng is written only when the status is 0. A screen whose coverage
+// cannot be counted (planes of different sizes) is judged NG.
 AIMHUE_EXPORT int AimhueJudgeNG(AimhueHandle handle, bool* out_ng,
                                 const aimhue::LedMeter* const* red,
                                 const aimhue::LedMeter* const* green,

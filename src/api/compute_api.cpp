@@ -9,6 +9,7 @@
 
 #include "api/mask_image.h"
 #include "common/exception_guard.h"
+#include "engine/aimhue.h"
 #include "engine/percent_of_target.h"
 #include "meter/chroma_lxy.h"
 
@@ -40,6 +41,19 @@ int CombinePrimaries(MeterTriple red, MeterTriple green, MeterTriple blue, Prima
   return kOk;
 }
 
+// Combines the three primaries and hands them to `work`, all under the
+// exception guard; the combined sets are released when it returns.
+template <typename Work>
+int WithPrimaries(const char* who, MeterTriple red, MeterTriple green, MeterTriple blue,
+                  Work&& work) {
+  return GuardExceptions(who, [&] {
+    Primaries primaries;
+    const int status = CombinePrimaries(red, green, blue, primaries);
+    if (status != kOk) return status;
+    return static_cast<int>(work(primaries));
+  });
+}
+
 }  // namespace
 }  // namespace aimhue
 
@@ -48,8 +62,49 @@ using aimhue::kNullInput;
 using aimhue::kOk;
 using aimhue::kOutOfRange;
 using aimhue::Primaries;
+using aimhue::WithPrimaries;
 
 extern "C" {
+
+int AimhueCalcWhite(AimhueHandle handle, float scale, const aimhue::TargetLxy* white, int flag) {
+  if (handle == nullptr || white == nullptr) return kNullInput;
+  return GuardExceptions("AimhueCalcWhite", [&] {
+    handle->CalcWhite(scale, white, flag > 0);  // a refused scale is not reported, by design
+    return static_cast<int>(kOk);
+  });
+}
+
+int AimhueSearch(AimhueHandle handle, const aimhue::LedMeter* const* red,
+                 const aimhue::LedMeter* const* green, const aimhue::LedMeter* const* blue,
+                 int count) {
+  if (handle == nullptr) return kNullInput;
+  if (count != aimhue::kPrimaryCount) return kOutOfRange;
+  return WithPrimaries("AimhueSearch", red, green, blue, [&](Primaries& primaries) {
+    return handle->Search(&primaries.red, &primaries.green, &primaries.blue);
+  });
+}
+
+int AimhueCalcPercentNG(AimhueHandle handle, const aimhue::LedMeter* const* red,
+                        const aimhue::LedMeter* const* green, const aimhue::LedMeter* const* blue,
+                        int count) {
+  if (handle == nullptr) return kNullInput;
+  if (count != aimhue::kPrimaryCount) return kOutOfRange;
+  return WithPrimaries("AimhueCalcPercentNG", red, green, blue, [&](Primaries& primaries) {
+    return handle->CalcPercentNG(&primaries.red, &primaries.green, &primaries.blue);
+  });
+}
+
+int AimhueJudgeNG(AimhueHandle handle, bool* out_ng, const aimhue::LedMeter* const* red,
+                  const aimhue::LedMeter* const* green, const aimhue::LedMeter* const* blue,
+                  int count) {
+  if (handle == nullptr) return kNullInput;
+  if (count != aimhue::kPrimaryCount) return kOutOfRange;
+  if (out_ng == nullptr) return kNullInput;
+  return WithPrimaries("AimhueJudgeNG", red, green, blue, [&](Primaries& primaries) {
+    *out_ng = handle->JudgeNG(&primaries.red, &primaries.green, &primaries.blue);
+    return kOk;
+  });
+}
 
 int AimhueCalcPercentOfTarget(const aimhue::LedMeter* const* red,
                               const aimhue::LedMeter* const* green,
@@ -57,18 +112,15 @@ int AimhueCalcPercentOfTarget(const aimhue::LedMeter* const* red,
                               float* out_percent, const AimhueImage* mask, int count) {
   if (count != aimhue::kPrimaryCount) return kOutOfRange;
   if (targets == nullptr || out_percent == nullptr) return kNullInput;
-  return GuardExceptions("AimhueCalcPercentOfTarget", [&] {
-    Primaries primaries;
-    int status = CombinePrimaries(red, green, blue, primaries);
-    if (status != kOk) return status;
+  return WithPrimaries("AimhueCalcPercentOfTarget", red, green, blue, [&](Primaries& primaries) {
     cv::Mat maskPlane;  // empty: every LED counts
     if (mask != nullptr) {
-      status = aimhue::CopyMaskImage(*mask, maskPlane);
+      const int status = aimhue::CopyMaskImage(*mask, maskPlane);
       if (status != kOk) return status;
     }
     aimhue::Coverage coverage{};
-    status = aimhue::PercentOfTarget(&primaries.red, &primaries.green, &primaries.blue, targets,
-                                     coverage, maskPlane);
+    const int status = aimhue::PercentOfTarget(&primaries.red, &primaries.green, &primaries.blue,
+                                               targets, coverage, maskPlane);
     if (status != kOk) return status;
     const float fractions[4] = {coverage.red, coverage.green, coverage.blue, coverage.all};
     std::memcpy(out_percent, fractions, sizeof fractions);

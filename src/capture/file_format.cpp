@@ -52,13 +52,14 @@ void LogOpenFailure(const char* who, const std::string& fullname) {
 }
 
 bool ReadWholeFile(const std::string& fullname, std::string& bytes) {
-  // A directory opens as a stream on some systems but holds no data.
+  // Only regular files: a directory opens as a stream on some systems but
+  // holds no data, and a device such as /dev/zero would never end.
   std::error_code error;
-  if (std::filesystem::is_directory(fullname, error)) return false;
+  if (!std::filesystem::is_regular_file(fullname, error)) return false;
   std::ifstream file(fullname, std::ios::binary);
   if (!file) return false;
-  // Read in chunks rather than trusting a size from seeking: a pipe or a
-  // file that changes while it is read still ends where its data ends.
+  // Read in chunks rather than trusting a size from seeking: a file that
+  // changes while it is read still ends where its data ends.
   std::string content;
   char chunk[1 << 16];
   while (file.read(chunk, sizeof chunk) || file.gcount() > 0) {

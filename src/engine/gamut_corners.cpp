@@ -98,7 +98,9 @@ class WallCounter {
       // all three are tested without branching (the middle one may repeat
       // an end).
       const int middleTile = std::min(firstTile + minorTileStride, lastTile);
-      const bool skip = Saturated(firstTile) & Saturated(middleTile) & Saturated(lastTile);
+      const bool skip = static_cast<bool>(static_cast<int>(Saturated(firstTile)) &
+                                          static_cast<int>(Saturated(middleTile)) &
+                                          static_cast<int>(Saturated(lastTile)));
       if (!skip) {
         segment.ForEachCellOfSteps(first, next - 1, count);
         for (int tile = firstTile; tile <= lastTile; tile += minorTileStride) MarkTouched(tile);

@@ -11,7 +11,8 @@ expected=(
   AimhueCreateHandle AimhueDestroyHandle AimhueRelease AimhueSetNGThresh
   AimhueSetPercentEnd AimhueSetPercentCalcChroma AimhueGet
   AimhueSave AimhueLoad AimhueToBuffer AimhueFromBuffer AimhueGetBufferSize
-  AimhueVConcatMeter AimhueCalcPercentOfTarget
+  AimhueVConcatMeter AimhueCalcPercentOfTarget AimhueCalcWhite AimhueCalcPercentNG
+  AimhueJudgeNG AimhueSearch
 )
 missing=0
 for name in "${expected[@]}"; do

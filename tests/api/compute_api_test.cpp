@@ -5,7 +5,9 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 
+#include "engine/aimhue.h"
 #include "support/log_capture.h"
 #include "support/test_meters.h"
 
@@ -109,6 +111,55 @@ TEST_F(ComputeApi, CoverageChecksRunInOrderAndLeaveTheOutputUnwritten) {
   EXPECT_EQ(Coverage(inside_.data(), out, nullptr), kOutOfRange);
   EXPECT_EQ(log.Errors(), Lines{"LedMeter::Check--Error in LedMeter input type same"});
   EXPECT_EQ(out[0], -1.0f);
+}
+
+TEST_F(ComputeApi, HandleFunctionsCheckHandleThenCountBeforeAnyMeter) {
+  AimhueHandle handle = nullptr;
+  ASSERT_EQ(AimhueCreateHandle(&handle), kOk);
+  bool ng = false;
+  for (int count : {2, 4}) {
+    EXPECT_EQ(AimhueSearch(handle, nullptr, nullptr, nullptr, count), kOutOfRange);
+    EXPECT_EQ(AimhueCalcPercentNG(handle, nullptr, nullptr, nullptr, count), kOutOfRange);
+    EXPECT_EQ(AimhueJudgeNG(handle, &ng, nullptr, nullptr, nullptr, count), kOutOfRange);
+  }
+  EXPECT_EQ(AimhueSearch(nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
+  EXPECT_EQ(AimhueCalcPercentNG(nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
+  EXPECT_EQ(AimhueJudgeNG(nullptr, &ng, triples_[0], triples_[1], triples_[2], 3), kNullInput);
+  EXPECT_EQ(AimhueJudgeNG(handle, nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
+
+  // A failing combination is returned and the verdict is not written.
+  meters_[2][0].color = 1;
+  LogCapture log;
+  EXPECT_EQ(AimhueJudgeNG(handle, &ng, triples_[0], triples_[1], triples_[2], 3), kOutOfRange);
+  EXPECT_EQ(AimhueSearch(handle, triples_[0], triples_[1], triples_[2], 3), kOutOfRange);
+  EXPECT_EQ(log.Errors(), (Lines{"LedMeter::Check--Error in LedMeter input color different",
+                                 "LedMeter::Check--Error in LedMeter input color different"}));
+  EXPECT_FALSE(ng);
+  AimhueDestroyHandle(handle);
+}
+
+TEST_F(ComputeApi, NgLimitAndVerdictFromTheSameScreen) {
+  AimhueHandle handle = nullptr;
+  ASSERT_EQ(AimhueCreateHandle(&handle), kOk);
+  const TargetLxy white{0.0f, 0.3127f, 0.329f};
+  float targets[12];
+  // Targets every LED reaches: coverage 1, limit 1 - 0.08; not NG.
+  handle->target = {TargetLxy{1, 0.35f, 0.33f}, {1, 0.35f, 0.33f}, {1, 0.35f, 0.33f}, {}};
+  ASSERT_EQ(AimhueCalcPercentNG(handle, triples_[0], triples_[1], triples_[2], 3), kOk);
+  EXPECT_EQ(handle->ngLimit, 1.0f - 0.08f);
+  bool ng = true;
+  ASSERT_EQ(AimhueJudgeNG(handle, &ng, triples_[0], triples_[1], triples_[2], 3), kOk);
+  EXPECT_FALSE(ng);
+
+  // The engine refuses a scale above 1, the exported call still succeeds.
+  ASSERT_EQ(AimhueGet(handle, targets, nullptr), kOk);
+  EXPECT_EQ(AimhueCalcWhite(handle, 2.0f, &white, 0), kOk);
+  float after[12];
+  ASSERT_EQ(AimhueGet(handle, after, nullptr), kOk);
+  EXPECT_EQ(std::memcmp(targets, after, sizeof targets), 0);
+  EXPECT_EQ(AimhueCalcWhite(handle, 1.0f, nullptr, 0), kNullInput);
+  EXPECT_EQ(AimhueCalcWhite(nullptr, 1.0f, &white, 0), kNullInput);
+  AimhueDestroyHandle(handle);
 }
 
 }  // namespace

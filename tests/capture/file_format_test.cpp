@@ -22,7 +22,7 @@ TEST(FileFormat, ExtensionMustEndTheNameExactlyAndLeaveSomethingBeforeIt) {
   }
 }
 
-TEST(FileFormat, ADirectoryIsNotAReadableFile) {
+TEST(FileFormat, OnlyRegularFilesAreRead) {
   TempDir dir;
   std::filesystem::create_directory(dir.Path("folder.x"));
   LogCapture log;
@@ -33,6 +33,9 @@ TEST(FileFormat, ADirectoryIsNotAReadableFile) {
                              return 0;
                            }),
             kOpenReadFailed);
+  std::string bytes = "kept";
+  EXPECT_FALSE(ReadWholeFile("/dev/zero", bytes));  // would never end
+  EXPECT_EQ(bytes, "kept");
   EXPECT_FALSE(parsed);
   EXPECT_EQ(log.Errors(), std::vector<std::string>{"X::Load -- Failed to Open file. fullname = " +
                                                    dir.Path("folder.x")});

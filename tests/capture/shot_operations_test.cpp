@@ -1,250 +1,173 @@
 #include <aimhue/shot.h>
-#include <aimhue/status.h>
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <string>
-#include <vector>
 
 #include <opencv2/imgcodecs.hpp>
 
-#include "support/log_capture.h"
 #include "support/temp_dir.h"
+#include "support/test_meters.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::TempDir;
-using Lines = std::vector<std::string>;
-
 bool SameImage(const cv::Mat& a, const cv::Mat& b) {
-  return a.type() == b.type() && a.size() == b.size() &&
-         (a.empty() || cv::norm(a, b, cv::NORM_INF) == 0.0);
+  return a.type() == b.type() && a.size() == b.size() && cv::norm(a, b, cv::NORM_INF) == 0.0;
 }
 
-Shot RgbShot(int rows, int cols) {
+Shot MakeShot(const cv::Mat& image, uint32_t type) {
   Shot shot;
-  cv::Mat image(rows, cols, CV_16UC3);
-  cv::randu(image, 0, 65536);
   shot.image = image;
-  shot.type = CAM_RGB;
+  shot.type = type;
   return shot;
 }
 
-TEST(ShotConvert, EveryPixelIsTheMatrixTimesItsColour) {
+Shot RgbShot(int rows, int cols) {
+  cv::Mat image(rows, cols, CV_16UC3);
+  cv::randu(image, 0, 65536);
+  return MakeShot(image, CAM_RGB);
+}
+
+TEST(ShotConvert, EveryPixelIsTheMatrixTimesItsColourOrRefused) {
   Shot shot = RgbShot(5, 7);
-  const cv::Mat original = shot.image.clone();
+  cv::Mat pixels;  // N x 3 floats
+  shot.image.reshape(1, 35).convertTo(pixels, CV_32F);
   cv::Mat_<float> matrix(3, 3);
   cv::randu(matrix, -2.0f, 2.0f);
   ASSERT_EQ(shot.ConvertColorSpace(CIE_XYZ, matrix), kOk);
   ASSERT_EQ(shot.image.type(), CV_32FC3);
-  // The literal form: (M * P^T)^T with P the N x 3 float pixel matrix.
-  cv::Mat pixels;
-  original.reshape(1, original.rows * original.cols).convertTo(pixels, CV_32F);
-  for (int n = 0; n < pixels.rows; ++n) {
+  for (int n = 0; n < 35; ++n) {  // the literal (M * P^T)^T
     for (int k = 0; k < 3; ++k) {
       float sum = 0.0f;
       for (int j = 0; j < 3; ++j) sum = sum + matrix(k, j) * pixels.at<float>(n, j);
       EXPECT_EQ(shot.image.at<cv::Vec3f>(n / 7, n % 7)[k], sum);
     }
   }
-}
-
-TEST(ShotConvert, RefusalsInOrderLeaveTheShot) {
-  LogCapture log;
-  Shot shot = RgbShot(2, 2);
-  const cv::Mat original = shot.image;
-  EXPECT_EQ(shot.ConvertColorSpace(0x03, cv::Mat(3, 4, CV_32F)), kUnsupportedCaptureType);
-  EXPECT_EQ(shot.ConvertColorSpace(CIE_X, cv::Mat(3, 4, CV_32F)), kOutOfRange);
-  shot.type = CAM_G;
-  EXPECT_EQ(shot.ConvertColorSpace(CIE_X, cv::Mat::eye(3, 3, CV_32F)), kUnsupportedCaptureType);
-  Shot grey;
-  grey.type = CAM_RGB;
-  grey.image = cv::Mat(2, 2, CV_16UC1);
-  EXPECT_EQ(grey.ConvertColorSpace(CIE_X, cv::Mat::eye(3, 3, CV_32F)), kBadImageDataType);
-  grey.image = cv::Mat(0, 0, CV_16UC3);
-  EXPECT_EQ(grey.ConvertColorSpace(CIE_X, cv::Mat::eye(3, 3, CV_32F)), kEmptyInput);
-  EXPECT_EQ(log.Errors(),
-            (Lines{"Shot::ConvertColorSpace--Error :: in_cie_type != CIE_Y && in_cie_type != "
-                   "CIE_X && in_cie_type != CIE_Z && in_cie_type != CIE_XYZ",
-                   "Shot::ConvertToCIEXYZ--Error :: in_color_trans.size()!=cv::Size(3,3)",
-                   "Shot::ConvertColorSpace--Error :: shot type is not CAM_RGB",
-                   "Shot::ConvertColorSpace--Error :: data channel must be 3",
-                   "Shot::ConvertColorSpace--Error :: empty"}));
-  EXPECT_EQ(shot.image.data, original.data);
+  const std::string error = "Shot::ConvertColorSpace--Error :: ";
+  struct {
+    Shot shot;
+    uint32_t type;
+    cv::Mat matrix;
+    int status;
+    std::string line;
+  } cases[] = {
+      {RgbShot(2, 2), 0x03, cv::Mat(3, 4, CV_32F), kUnsupportedCaptureType,
+       error + "in_cie_type != CIE_Y && in_cie_type != CIE_X && in_cie_type != CIE_Z && "
+               "in_cie_type != CIE_XYZ"},
+      {RgbShot(2, 2), CIE_X, cv::Mat(3, 4, CV_32F), kOutOfRange,
+       "Shot::ConvertToCIEXYZ--Error :: in_color_trans.size()!=cv::Size(3,3)"},
+      {MakeShot(cv::Mat(2, 2, CV_16UC3), CAM_G), CIE_X, matrix, kUnsupportedCaptureType,
+       error + "shot type is not CAM_RGB"},
+      {MakeShot(cv::Mat(2, 2, CV_16UC1), CAM_RGB), CIE_X, matrix, kBadImageDataType,
+       error + "data channel must be 3"},
+      {MakeShot(cv::Mat(0, 0, CV_16UC3), CAM_RGB), CIE_X, matrix, kEmptyInput, error + "empty"}};
+  for (auto& item : cases) {
+    ExpectRefusals<Shot>(item.shot,
+                         {{[&](Shot& s) { return s.ConvertColorSpace(item.type, item.matrix); },
+                           item.status,
+                           {item.line}}});
+  }
 }
 
 TEST(ShotSplit, OnlyTheGivenOutputsWithMetadata) {
-  Shot shot = RgbShot(2, 3);
+  Shot shot = RgbShot(2, 3), green, single = MakeShot(cv::Mat(2, 2, CV_16UC1), CAM_R);
   shot.SetPartition(Partition{0, 0, 6, 4, 6, 4});
   shot.SetPattern(Pattern{1, 2, 2, 1, 1, -1, -1});
   shot.SetColor(2);
-  Shot green;
   green.SetDevice(Device{});  // cleared by the metadata copy
   ASSERT_EQ(shot.Split(nullptr, &green, nullptr), kOk);
   cv::Mat plane;
   cv::extractChannel(shot.image, plane, 1);
   EXPECT_TRUE(SameImage(green.image, plane));
   EXPECT_NE(green.image.data, shot.image.data);
-  EXPECT_EQ(green.type, CAM_G);
-  EXPECT_EQ(green.device, nullptr);
-  ASSERT_NE(green.pattern, nullptr);
+  EXPECT_TRUE(green.type == CAM_G && !green.device && *green.color == 2);
   EXPECT_EQ(green.pattern->lighted_led_w, 3);
-  EXPECT_EQ(*green.color, 2);
-
-  LogCapture log;
-  EXPECT_EQ(shot.Split(nullptr, nullptr, nullptr), kNullInput);
-  Shot single;
-  single.SetImageSingle(cv::Mat(2, 2, CV_16UC1), CAM_R);
-  EXPECT_EQ(single.Split(&green, nullptr, nullptr), kBadImageDataType);
-  Shot empty;
-  EXPECT_EQ(empty.Split(&green, nullptr, nullptr), kEmptyInput);
-  EXPECT_EQ(log.Errors(), (Lines{"SHOT::Split -- all input was nullptr",
-                                 "Shot::Split -- Error image.channels() != 3 || type!= CAM_RGB",
-                                 "Shot::Split--Error :: empty"}));
-  EXPECT_EQ(green.type, CAM_G);
+  ExpectRefusals<Shot>(green, {{[&](Shot&) { return shot.Split(nullptr, nullptr, nullptr); },
+                                kNullInput,
+                                {"SHOT::Split -- all input was nullptr"}},
+                               {[&](Shot& g) { return single.Split(&g, nullptr, nullptr); },
+                                kBadImageDataType,
+                                {"Shot::Split -- Error image.channels() != 3 || type!= CAM_RGB"}},
+                               {[](Shot& g) { return Shot().Split(&g, nullptr, nullptr); },
+                                kEmptyInput,
+                                {"Shot::Split--Error :: empty"}}});
 }
 
 TEST(ShotRotate, QuarterTurnsAndTheNegativeRule) {
   const cv::Mat image = (cv::Mat_<uint16_t>(2, 3) << 1, 2, 3, 4, 5, 6);
-  Shot shot;
-  shot.image = image.clone();
-  ASSERT_EQ(shot.Rotate(90), kOk);
-  EXPECT_TRUE(SameImage(shot.image, (cv::Mat_<uint16_t>(3, 2) << 3, 6, 2, 5, 1, 4)));
-
-  const auto rotated = [&](int angle) {
-    Shot copy;
-    copy.image = image.clone();
-    EXPECT_EQ(copy.Rotate(angle), kOk) << angle;
-    return copy.image;
-  };
-  EXPECT_TRUE(SameImage(rotated(-90), rotated(270)));
-  EXPECT_TRUE(SameImage(rotated(180), (cv::Mat_<uint16_t>(2, 3) << 6, 5, 4, 3, 2, 1)));
-  EXPECT_TRUE(SameImage(rotated(270), (cv::Mat_<uint16_t>(3, 2) << 4, 1, 5, 2, 6, 3)));
-  EXPECT_TRUE(SameImage(rotated(720), image));
-  EXPECT_TRUE(SameImage(rotated(360), image));
-  EXPECT_TRUE(SameImage(rotated(-450), rotated(270)));
-
-  LogCapture log;
-  Shot kept;
-  kept.image = image.clone();
-  for (int angle : {-360, 45, -720, 2147483647, -2147483647 - 1}) {
-    EXPECT_EQ(kept.Rotate(angle), kOutOfRange) << angle;
+  const cv::Mat r90 = (cv::Mat_<uint16_t>(3, 2) << 3, 6, 2, 5, 1, 4);
+  const cv::Mat r180 = (cv::Mat_<uint16_t>(2, 3) << 6, 5, 4, 3, 2, 1);
+  const cv::Mat r270 = (cv::Mat_<uint16_t>(3, 2) << 4, 1, 5, 2, 6, 3);
+  const std::pair<int, cv::Mat> turns[] = {{90, r90},    {-90, r270},  {180, r180}, {270, r270},
+                                           {360, image}, {720, image}, {-450, r270}};
+  for (const auto& [angle, expected] : turns) {
+    Shot shot = MakeShot(image.clone(), CAM_G);
+    EXPECT_EQ(shot.Rotate(angle), kOk) << angle;
+    EXPECT_TRUE(SameImage(shot.image, expected)) << angle;
   }
-  EXPECT_EQ(log.Errors(), Lines(5, "Shot::Rotate--Error :: roll_angle"));
-  EXPECT_TRUE(SameImage(kept.image, image));
+  Shot kept = MakeShot(image.clone(), CAM_G);
+  std::vector<Refusal<Shot>> refusals;
+  for (int angle : {-360, 45, -720, 2147483647, -2147483647 - 1}) {
+    refusals.push_back({[=](Shot& s) { return s.Rotate(angle); },
+                        kOutOfRange,
+                        {"Shot::Rotate--Error :: roll_angle"}});
+  }
+  ExpectRefusals<Shot>(kept, refusals);
 }
 
 TEST(ShotBackground, SubtractsAndClipsAtZero) {
-  Shot shot;
-  Shot background;
-  shot.image = (cv::Mat_<uint16_t>(1, 3) << 65, 100, 0);
-  background.image = (cv::Mat_<uint16_t>(1, 3) << 70, 1, 0);
-  ASSERT_EQ(shot.RemoveBackground(background), kOk);
+  Shot shot = MakeShot((cv::Mat_<uint16_t>(1, 3) << 65, 100, 0), CAM_G);
+  ASSERT_EQ(shot.RemoveBackground(MakeShot((cv::Mat_<uint16_t>(1, 3) << 70, 1, 0), CAM_G)), kOk);
   EXPECT_TRUE(SameImage(shot.image, (cv::Mat_<uint16_t>(1, 3) << 0, 99, 0)));
-
-  shot.image = (cv::Mat_<float>(1, 3) << 1.5f, -2.0f, 3.0f);
-  background.image = (cv::Mat_<float>(1, 3) << 0.5f, 0.0f, 4.0f);
-  ASSERT_EQ(shot.RemoveBackground(background), kOk);
+  shot = MakeShot((cv::Mat_<float>(1, 3) << 1.5f, -2.0f, 3.0f), CIE_Y);
+  ASSERT_EQ(shot.RemoveBackground(MakeShot((cv::Mat_<float>(1, 3) << 0.5f, 0, 4), CIE_Y)), kOk);
   EXPECT_TRUE(SameImage(shot.image, (cv::Mat_<float>(1, 3) << 1.0f, 0.0f, 0.0f)));
-
-  LogCapture log;
-  const cv::Mat kept = shot.image;
-  background.image = cv::Mat(1, 3, CV_16UC1, cv::Scalar(0));
-  EXPECT_EQ(shot.RemoveBackground(background), kCaptureMismatch);
-  EXPECT_EQ(shot.RemoveBackground(Shot()), kEmptyInput);
-  EXPECT_EQ(log.Errors(), (Lines{"SHOT::RemoveBackground -- Error data mismatch",
-                                 "SHOT::RemoveBackground -- Error empty data"}));
-  EXPECT_EQ(shot.image.data, kept.data);
+  const Shot other_type = MakeShot(cv::Mat(1, 3, CV_16UC1, cv::Scalar(0)), CIE_Y);
+  ExpectRefusals<Shot>(shot, {{[&](Shot& s) { return s.RemoveBackground(other_type); },
+                               kCaptureMismatch,
+                               {"SHOT::RemoveBackground -- Error data mismatch"}},
+                              {[](Shot& s) { return s.RemoveBackground(Shot()); },
+                               kEmptyInput,
+                               {"SHOT::RemoveBackground -- Error empty data"}}});
 }
 
-TEST(ShotExport, TwelveBitGreyMapsFullScaleTo255) {
+TEST(ShotExport, GreyAndColourPictures) {
   TempDir dir;
-  Shot shot;
-  shot.SetImageSingle((cv::Mat_<uint16_t>(1, 4) << 4095, 2048, 0, 65535), CAM_G);
-  Device device{};
-  device.cam_type = 320012;
-  shot.SetDevice(device);
+  const auto picture = [&](const std::string& name) {
+    return cv::imread(dir.Path(name), cv::IMREAD_UNCHANGED);
+  };
+  Device twelve_bit{};
+  twelve_bit.cam_type = 320012;
+  Shot shot = MakeShot((cv::Mat_<uint16_t>(1, 4) << 4095, 2048, 0, 65535), CAM_G);
+  shot.SetDevice(twelve_bit);
   ASSERT_EQ(shot.ExportGrayImage(dir.Path("grey.png")), kOk);
-  const cv::Mat picture = cv::imread(dir.Path("grey.png"), cv::IMREAD_UNCHANGED);
-  EXPECT_TRUE(SameImage(picture, (cv::Mat_<uint8_t>(1, 4) << 255, 128, 0, 255)));
-
-  // Without a device the largest value becomes 255.
-  shot.device.reset();
+  EXPECT_TRUE(SameImage(picture("grey.png"), (cv::Mat_<uint8_t>(1, 4) << 255, 128, 0, 255)));
+  shot.device.reset();  // without a device the largest value becomes 255
   ASSERT_EQ(shot.ExportGrayImage(dir.Path("normalised.png")), kOk);
-  const cv::Mat normalised = cv::imread(dir.Path("normalised.png"), cv::IMREAD_UNCHANGED);
-  EXPECT_EQ(normalised.at<uint8_t>(0, 3), 255);
-  EXPECT_EQ(normalised.at<uint8_t>(0, 0), 16);
-}
-
-TEST(ShotExport, ColourPictureLightsTheChannelsOfTheColourCode) {
-  TempDir dir;
-  Shot shot;
+  EXPECT_TRUE(SameImage(picture("normalised.png"), (cv::Mat_<uint8_t>(1, 4) << 16, 8, 0, 255)));
   shot.SetImageSingle(cv::Mat(2, 2, CV_16UC1, cv::Scalar(1000)), CAM_R);
   shot.SetColor(4);  // bit 2: the writer's third channel, red
   ASSERT_EQ(shot.ExportColorImage(dir.Path("red.png")), kOk);
-  const cv::Mat picture = cv::imread(dir.Path("red.png"), cv::IMREAD_UNCHANGED);
-  EXPECT_EQ(picture.at<cv::Vec3b>(1, 1), cv::Vec3b(0, 0, 255));
-
+  EXPECT_EQ(picture("red.png").at<cv::Vec3b>(1, 1), cv::Vec3b(0, 0, 255));
   shot.color.reset();
-  ASSERT_EQ(shot.ExportColorImage(dir.Path("grey.png")), kOk);
-  EXPECT_EQ(cv::imread(dir.Path("grey.png")).at<cv::Vec3b>(0, 0), cv::Vec3b(255, 255, 255));
-
-  // A three-channel image is written with channels 0 and 2 exchanged: the
-  // stored R, G, B planes come out as a correct picture.
-  Shot rgb;
-  rgb.type = CAM_RGB;
-  rgb.image = cv::Mat(1, 1, CV_16UC3, cv::Scalar(4095, 0, 0));
-  Device device{};
-  device.cam_type = 320012;
-  rgb.SetDevice(device);
+  ASSERT_EQ(shot.ExportColorImage(dir.Path("white.png")), kOk);
+  EXPECT_EQ(picture("white.png").at<cv::Vec3b>(0, 0), cv::Vec3b(255, 255, 255));
+  // Channels 0 and 2 are exchanged: the stored R, G, B planes make a correct picture.
+  Shot rgb = MakeShot(cv::Mat(1, 1, CV_16UC3, cv::Scalar(4095, 0, 0)), CAM_RGB);
+  rgb.SetDevice(twelve_bit);
   ASSERT_EQ(rgb.ExportColorImage(dir.Path("rgb.png")), kOk);
-  EXPECT_EQ(cv::imread(dir.Path("rgb.png")).at<cv::Vec3b>(0, 0), cv::Vec3b(0, 0, 255));
-}
+  EXPECT_EQ(picture("rgb.png").at<cv::Vec3b>(0, 0), cv::Vec3b(0, 0, 255));
 
-TEST(ShotExport, RefusedWrites) {
-  LogCapture log;
-  TempDir dir;
-  Shot shot;
-  EXPECT_EQ(shot.ExportGrayImage(dir.Path("a.png")), kEmptyInput);
-  EXPECT_EQ(shot.ExportColorImage(dir.Path("a.png")), kEmptyInput);
-  shot.SetImageSingle(cv::Mat(2, 2, CV_16UC1, cv::Scalar(1)), CAM_R);
-  EXPECT_EQ(shot.ExportGrayImage(dir.Path("a.unknown-extension")), kOpenWriteFailed);
-  EXPECT_EQ(shot.ExportColorImage(dir.Path("no-such-folder/a.png")), kOpenWriteFailed);
-  EXPECT_EQ(log.Errors(), (Lines{"Shot::ExportGrayImage--Error :: empty",
-                                 "Shot::ExportColorImage--Error :: empty",
-                                 "Shot::ExportGrayImage--Error :: imwrite",
-                                 "Shot::ExportColorImage--Error :: imwrite"}));
-}
-
-TEST(ShotPointLocator, PresetMetadata) {
-  Shot shot;
-  const int screen[2] = {8, 8};
-  const int interval[2] = {4, 4};
-  EXPECT_EQ(shot.SetForPointLocator(120016, screen, interval, 6, 3), kOk);
-  EXPECT_STREQ(shot.device->id, "custom :: ForPointLocator");
-  EXPECT_STREQ(shot.device->lens_id, "custom :: ForPointLocator");
-  EXPECT_EQ(shot.device->cam_type, 120016);
-  EXPECT_EQ(shot.device->lens_type, 3);
-  EXPECT_EQ(shot.part->screen_w, 8);
-  EXPECT_EQ(shot.pattern->loc_x, 2);
-  EXPECT_EQ(shot.pattern->loc_y, 1);
-  EXPECT_EQ(shot.pattern->lighted_led_w, 2);
-  EXPECT_EQ(shot.panel->layout, 4);
-  EXPECT_EQ(shot.panel->pixel_pitch, -1.0f);
-  EXPECT_EQ(*shot.color, 2);
-
-  // No screen: neither partition nor pattern; a zero interval is refused by
-  // the pattern setter instead of dividing by zero.
-  Shot bare;
-  const int no_screen[2] = {0, 8};
-  EXPECT_EQ(bare.SetForPointLocator(1, no_screen, interval, 6, 0), kOk);
-  EXPECT_EQ(bare.part, nullptr);
-  const int zero[2] = {0, 4};
-  EXPECT_EQ(bare.SetForPointLocator(1, screen, zero, 6, 0), kOk);
-  EXPECT_EQ(bare.pattern, nullptr);
+  Shot empty;
+  const std::string grey = "Shot::ExportGrayImage--Error :: ";
+  const std::string colour = "Shot::ExportColorImage--Error :: ";
+  const auto export_grey = [&](const std::string& name) {
+    return [=, &dir](Shot& s) { return s.ExportGrayImage(dir.Path(name)); };
+  };
+  const auto export_colour = [&](Shot& s) { return s.ExportColorImage(dir.Path("no/a.png")); };
+  ExpectRefusals<Shot>(empty, {{export_grey("a.png"), kEmptyInput, {grey + "empty"}},
+                               {export_colour, kEmptyInput, {colour + "empty"}}});
+  ExpectRefusals<Shot>(shot,
+                       {{export_grey("a.unknown-extension"), kOpenWriteFailed, {grey + "imwrite"}},
+                        {export_colour, kOpenWriteFailed, {colour + "imwrite"}}});
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

@@ -1,17 +1,11 @@
-#include <aimhue/status.h>
-#include <gtest/gtest.h>
-
 #include "engine/aimhue.h"
 #include "support/chroma_sets.h"
 
 namespace aimhue {
 namespace {
 
-using ::aimhue::testing::SetFromPlanes;
-
-// A 1 x `total` panel on which the first `reaching` LEDs have a wide gamut
-// that holds every target and the others collinear corners that hold none,
-// so that the coverage of all three is exactly reaching / total.
+// A 1 x `total` panel whose first `reaching` LEDs hold every target and the
+// others none (collinear corners): the coverage of all three is reaching / total.
 struct Screen {
   Screen(int total, int reaching) {
     cv::Mat planes[6];
@@ -21,57 +15,39 @@ struct Screen {
       planes[i] = cv::Mat(1, total, CV_32F, cv::Scalar(line[i]));
       planes[i].colRange(0, reaching).setTo(wide[i]);
     }
-    red = SetFromPlanes(planes[0], planes[1]);
-    green = SetFromPlanes(planes[2], planes[3]);
-    blue = SetFromPlanes(planes[4], planes[5]);
+    red = testing::SetFromPlanes(planes[0], planes[1]);
+    green = testing::SetFromPlanes(planes[2], planes[3]);
+    blue = testing::SetFromPlanes(planes[4], planes[5]);
   }
-  ChromaLxy red;
-  ChromaLxy green;
-  ChromaLxy blue;
+  ChromaLxy red, green, blue;
 };
 
-class NGJudgement : public ::testing::Test {
- protected:
-  NGJudgement() { engine_.target = {{{10, 0.64f, 0.32f}, {10, 0.25f, 0.62f}, {10, 0.16f, 0.08f}, {}}}; }
-  Aimhue engine_;
-};
-
-TEST_F(NGJudgement, LimitIsCoverageMinusThresholdAndOnlyALowerCoverageFails) {
-  ASSERT_EQ(engine_.SetNGThresh(0.25f), kOk);
-  const Screen reference(4, 3);  // coverage 0.75
-  ASSERT_EQ(engine_.CalcPercentNG(&reference.red, &reference.green, &reference.blue), kOk);
-  EXPECT_EQ(engine_.ngLimit, 0.5f);
-
-  const Screen worse(100, 49);
-  const Screen equal(100, 50);
-  EXPECT_TRUE(engine_.JudgeNG(&worse.red, &worse.green, &worse.blue));
-  EXPECT_FALSE(engine_.JudgeNG(&equal.red, &equal.green, &equal.blue));
-  EXPECT_FALSE(engine_.JudgeNG(&reference.red, &reference.green, &reference.blue));
-  EXPECT_EQ(engine_.ngLimit, 0.5f);  // judging never moves the limit
-}
-
-TEST_F(NGJudgement, FreshRecordJudgesAgainstTheDefaultLimit) {
-  const Screen below(10, 7);
-  const Screen at(10, 8);
-  EXPECT_TRUE(engine_.JudgeNG(&below.red, &below.green, &below.blue));
-  // 8 / 10 in 64-bit, stored as 32-bit, is the default limit 0.8f exactly.
-  EXPECT_FALSE(engine_.JudgeNG(&at.red, &at.green, &at.blue));
-}
-
-TEST_F(NGJudgement, AFailedCountKeepsTheLimitAndJudgesNG) {
-  const Screen screen(4, 4);
-  const Screen other(5, 5);
+TEST(NGJudgement, LimitIsCoverageMinusThresholdAndOnlyALowerCoverageFails) {
+  Aimhue engine;
+  engine.target = {{{10, 0.64f, 0.32f}, {10, 0.25f, 0.62f}, {10, 0.16f, 0.08f}, {}}};
+  const Screen full(4, 4), other(5, 5), below(10, 7), at(10, 8);
   const ChromaLxy empty;
-  EXPECT_EQ(engine_.CalcPercentNG(nullptr, &screen.green, &screen.blue), kNullInput);
-  EXPECT_EQ(engine_.CalcPercentNG(&screen.red, &empty, &screen.blue), kEmptyPlane);
-  EXPECT_EQ(engine_.CalcPercentNG(&screen.red, &screen.green, &other.blue), kOutOfRange);
-  EXPECT_EQ(engine_.ngLimit, 0.8f);
+  // A fresh record judges against 0.8: 8 / 10 in 64-bit, stored as 32-bit, is 0.8f.
+  EXPECT_TRUE(engine.JudgeNG(&below.red, &below.green, &below.blue));
+  EXPECT_FALSE(engine.JudgeNG(&at.red, &at.green, &at.blue));
+  // A failed count keeps the limit; a screen that cannot be counted fails.
+  EXPECT_EQ(engine.CalcPercentNG(nullptr, &full.green, &full.blue), kNullInput);
+  EXPECT_EQ(engine.CalcPercentNG(&full.red, &empty, &full.blue), kEmptyPlane);
+  EXPECT_EQ(engine.CalcPercentNG(&full.red, &full.green, &other.blue), kOutOfRange);
+  EXPECT_EQ(engine.ngLimit, 0.8f);
+  EXPECT_FALSE(engine.JudgeNG(&full.red, &full.green, &full.blue));
+  EXPECT_TRUE(engine.JudgeNG(nullptr, &full.green, &full.blue));
+  EXPECT_TRUE(engine.JudgeNG(&full.red, &empty, &full.blue));
+  EXPECT_TRUE(engine.JudgeNG(&full.red, &full.green, &other.blue));
 
-  // Every LED reaches the targets, yet a screen that cannot be counted fails.
-  EXPECT_FALSE(engine_.JudgeNG(&screen.red, &screen.green, &screen.blue));
-  EXPECT_TRUE(engine_.JudgeNG(nullptr, &screen.green, &screen.blue));
-  EXPECT_TRUE(engine_.JudgeNG(&screen.red, &empty, &screen.blue));
-  EXPECT_TRUE(engine_.JudgeNG(&screen.red, &screen.green, &other.blue));
+  ASSERT_EQ(engine.SetNGThresh(0.25f), kOk);
+  const Screen reference(4, 3), worse(100, 49), equal(100, 50);
+  ASSERT_EQ(engine.CalcPercentNG(&reference.red, &reference.green, &reference.blue), kOk);
+  EXPECT_EQ(engine.ngLimit, 0.5f);  // 0.75 - 0.25
+  EXPECT_TRUE(engine.JudgeNG(&worse.red, &worse.green, &worse.blue));
+  EXPECT_FALSE(engine.JudgeNG(&equal.red, &equal.green, &equal.blue));
+  EXPECT_FALSE(engine.JudgeNG(&reference.red, &reference.green, &reference.blue));
+  EXPECT_EQ(engine.ngLimit, 0.5f);  // judging never moves the limit
 }
 
 }  // namespace

@@ -1,12 +1,23 @@
-// Meters for tests: complete records whose planes hold one value.
+// Records for tests: meters whose planes hold one value, byte snapshots of
+// meters and shots, tables of refused calls, and the order of checks.
 #ifndef AIMHUE_TESTS_SUPPORT_TEST_METERS_H_
 #define AIMHUE_TESTS_SUPPORT_TEST_METERS_H_
 
 #include <aimhue/led_meter.h>
+#include <aimhue/shot.h>
+#include <aimhue/status.h>
+#include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/log_capture.h"
 
 namespace aimhue::testing {
+
+using Lines = std::vector<std::string>;
 
 // A meter of `type` and `color` with a partition, a layer, and rows x cols
 // planes: chroma filled with `value`, pos and state zero.
@@ -21,6 +32,82 @@ inline LedMeter MakeMeter(uint32_t type, uint32_t color, int rows = 2, int cols 
   meter.pos = cv::Mat::zeros(rows, cols, CV_32FC2);
   meter.state = cv::Mat::zeros(rows, cols, CV_8UC1);
   return meter;
+}
+
+// Type, shape, buffer address and content of a plane.
+inline std::string Bytes(const cv::Mat& plane) {
+  const cv::Mat whole = plane.clone();
+  return std::to_string(plane.type()) + ' ' + std::to_string(plane.rows) + 'x' +
+         std::to_string(plane.cols) + '@' + std::to_string(uintptr_t(plane.data)) +
+         std::string(reinterpret_cast<const char*>(whole.data), whole.total() * whole.elemSize());
+}
+
+template <typename Record>
+std::string Bytes(const std::unique_ptr<Record>& record) {
+  return record ? std::string(reinterpret_cast<const char*>(record.get()), sizeof(Record)) : "-";
+}
+
+// Everything a meter holds, for "left unchanged" checks.
+inline std::string Bytes(const LedMeter& m) {
+  return std::to_string(m.type) + ' ' + std::to_string(m.color) + Bytes(m.partition) +
+         Bytes(m.layer) + Bytes(m.led_panel) + Bytes(m.capture) + Bytes(m.state) + Bytes(m.pos) +
+         Bytes(m.chroma) + Bytes(m.add_map);
+}
+
+// Everything a shot holds: its stream and its image buffer.
+inline std::string Bytes(const Shot& shot) {
+  std::string stream(4096 + shot.image.total() * shot.image.elemSize(), '\0');
+  size_t size = stream.size();
+  const int status = shot.ToBuffer(stream.data(), &size);
+  return std::to_string(status) + ' ' + std::to_string(shot.type) +
+         (status == kOk ? stream.substr(0, size) : "") + Bytes(shot.image);
+}
+
+// A call that the record must refuse with `status` and exactly `errors`.
+template <typename Record>
+struct Refusal {
+  std::function<int(Record&)> call;
+  int status;
+  Lines errors;
+};
+
+// Runs each refusal in turn and expects its status and lines, and `bytes`
+// of the record as they were before.
+template <typename Record>
+void ExpectRefusals(
+    Record& record, const std::vector<Refusal<Record>>& refusals,
+    const std::function<std::string(const Record&)>& bytes = [](const Record& r) {
+      return Bytes(r);
+    }) {
+  const std::string before = bytes(record);
+  for (size_t i = 0; i < refusals.size(); ++i) {
+    LogCapture log;
+    EXPECT_EQ(refusals[i].call(record), refusals[i].status) << "refusal " << i;
+    EXPECT_EQ(log.Errors(), refusals[i].errors) << "refusal " << i;
+    EXPECT_EQ(bytes(record), before) << "refusal " << i;
+  }
+}
+
+// A fault that `check` reports with `status` and the one line `error`, and
+// its repair.
+struct Fault {
+  int status;
+  std::string error;
+  std::function<void()> repair;
+};
+
+// With every fault present at once, `check` reports the first in order;
+// repairing it exposes the next, until the check passes without a line.
+inline void ExpectOrder(const std::function<int()>& check, const std::vector<Fault>& faults) {
+  for (const Fault& fault : faults) {
+    LogCapture log;
+    EXPECT_EQ(check(), fault.status) << fault.error;
+    EXPECT_EQ(log.Errors(), Lines{fault.error});
+    fault.repair();
+  }
+  LogCapture log;
+  EXPECT_EQ(check(), kOk);
+  EXPECT_EQ(log.Errors(), Lines{});
 }
 
 }  // namespace aimhue::testing

@@ -24,15 +24,6 @@ constexpr char kEngineExtension[] = ".aimhue";
 constexpr uint32_t kEngineVersion = 1;
 constexpr uint64_t kImageBytes = 169;
 
-// The persisted part of the record.
-struct EngineResults {
-  Fractions percentCalcChroma;
-  float ngLimit;
-  TargetBlock target;
-  TargetBlock searchEnd;
-  TargetBlock searchStart;
-};
-
 void WriteBlock(const TargetBlock& block, ByteWriter& out) {
   for (const TargetLxy& point : block) {
     out.WriteF32(point.L);
@@ -65,17 +56,15 @@ int Parse(const char* who, const char* data, size_t size, Aimhue& engine) {
   ByteReader in(data, size);
   const int status = ReadHeader(who, in, kEngineVersion);
   if (status != kOk) return status;
-  EngineResults results;
+  // Read into a copy so that a short image leaves the record as it was; the
+  // copy's settings are the record's own, so assigning it back keeps them.
+  Aimhue loaded = engine;
   bool complete = true;
-  for (float& fraction : results.percentCalcChroma) complete = complete && in.ReadF32(fraction);
-  complete = complete && in.ReadF32(results.ngLimit) && ReadBlock(in, results.target) &&
-             ReadBlock(in, results.searchEnd) && ReadBlock(in, results.searchStart);
+  for (float& fraction : loaded.percentCalcChroma) complete = complete && in.ReadF32(fraction);
+  complete = complete && in.ReadF32(loaded.ngLimit) && ReadBlock(in, loaded.target) &&
+             ReadBlock(in, loaded.searchEnd) && ReadBlock(in, loaded.searchStart);
   if (!complete) return DataError(who);
-  engine.percentCalcChroma = results.percentCalcChroma;
-  engine.ngLimit = results.ngLimit;
-  engine.target = results.target;
-  engine.searchEnd = results.searchEnd;
-  engine.searchStart = results.searchStart;
+  engine = loaded;
   return kOk;
 }
 
