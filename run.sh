@@ -77,7 +77,8 @@ fuzz() {
   fi
   log "building build/fuzz"
   CC=clang CXX=clang++ configure fuzz -DAIMHUE_SANITIZE=address,undefined \
-    -DAIMHUE_BUILD_FUZZERS=ON -DAIMHUE_BUILD_TESTS=OFF -DAIMHUE_BUILD_EXAMPLES=OFF
+    -DAIMHUE_BUILD_FUZZERS=ON -DAIMHUE_BUILD_TESTS=OFF -DAIMHUE_BUILD_EXAMPLES=OFF \
+    -DAIMHUE_BUILD_TOOLS=OFF
   cmake --build build/fuzz -j "$jobs"
   local seconds=${AIMHUE_FUZZ_SECONDS:-60} failed=0 source name pids=() names=()
   rm -rf build/fuzz/runs
