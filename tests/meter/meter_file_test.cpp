@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "capture/byte_stream.h"
+#include "support/buffer_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
@@ -173,15 +174,9 @@ TEST(MeterFile, NamesAreCheckedBeforeAnyFileIsTouched) {
 }
 
 TEST(MeterFile, CallerBufferRules) {
-  const LedMeter meter = LayerOnlyMeter();
-  std::string buffer(105, '#');
-  uint64_t size = 104;
-  EXPECT_EQ(meter.ToBuffer(buffer.data(), &size), kBufferTooSmall);
-  EXPECT_EQ(size, 104u);
-  EXPECT_EQ(buffer, std::string(105, '#'));
-  EXPECT_EQ(meter.ToBuffer(nullptr, &size), kNullInput);
-  EXPECT_EQ(meter.ToBuffer(buffer.data(), nullptr), kNullInput);
-  EXPECT_EQ(meter.GetBufferSize(nullptr), kNullInput);
+  testing::ExpectCallerBufferRules(LayerOnlyMeter(), 105);
+  std::string buffer(200, '#');
+  uint64_t size = 0;
   LedMeter empty;
   EXPECT_EQ(empty.FromBuffer(nullptr, 10), kNullInput);
   EXPECT_EQ(empty.GetBufferSize(&size), kEmptyInput);

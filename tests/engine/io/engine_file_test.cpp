@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "engine/aimhue.h"
+#include "support/buffer_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
@@ -69,21 +70,7 @@ TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
   EXPECT_TRUE(SameRecord(fromBuffer, expected));
 }
 
-TEST(EngineFile, CallerBufferRules) {
-  const Aimhue engine = Searched();
-  std::string buffer(200, '#');
-  uint64_t size = 168;
-  EXPECT_EQ(engine.ToBuffer(buffer.data(), &size), kBufferTooSmall);
-  EXPECT_EQ(size, 168u);
-  EXPECT_EQ(buffer, std::string(200, '#'));
-  EXPECT_EQ(engine.ToBuffer(nullptr, &size), kNullInput);
-  EXPECT_EQ(engine.ToBuffer(buffer.data(), nullptr), kNullInput);
-  EXPECT_EQ(engine.GetBufferSize(nullptr), kNullInput);
-  size = 200;
-  EXPECT_EQ(engine.ToBuffer(buffer.data(), &size), kOk);
-  EXPECT_EQ(size, 169u);
-  EXPECT_EQ(buffer.substr(169), std::string(31, '#'));
-}
+TEST(EngineFile, CallerBufferRules) { testing::ExpectCallerBufferRules(Searched(), 169); }
 
 TEST(EngineFile, RefusedImagesLeaveTheRecordUnchanged) {
   TempDir dir;
