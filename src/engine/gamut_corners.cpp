@@ -27,7 +27,9 @@ constexpr int kTiles = (kRasterSize + kTileSize - 1) / kTileSize;
 // after the first few thousand LEDs, so most of every later edge is
 // skipped and only the stretches through the bands' fringes are counted. A
 // tile is only marked once every cell in it is a wall, so the walls are
-// exactly those of counting every crossing.
+// exactly those of counting every crossing. Tiles that the seed's region
+// can no longer reach are settled too (SeedReach): their counts then stop
+// being exact, which nothing reads.
 class WallCounter {
  public:
   WallCounter()
@@ -158,7 +160,7 @@ class WallCounter {
 
   std::vector<uint8_t> counts_;
   std::vector<uint64_t> settled_;  // one bit per tile, row-major
-  std::vector<uint64_t> touched_;    // tiles counted in since the last refresh
+  std::vector<uint64_t> touched_;  // tiles counted in since the last refresh
   std::vector<int> touchedList_;
 };
 
@@ -270,10 +272,9 @@ class SeedReach {
       planes_.push_back({q.row - p.row, p.col - q.col, 0});
       planes_.push_back({p.row - q.row, q.col - p.col, 0});
     }
-    for (const auto& [colFactor, rowFactor] :
-         {std::pair<int, int>{1, 0}, {-1, 0}, {0, 1}, {0, -1}, {1, 1}, {1, -1}, {-1, 1}, {-1, -1}}) {
-      planes_.push_back({colFactor, rowFactor, 0});
-    }
+    constexpr int kAxesAndDiagonals[8][2] = {{1, 0},  {-1, 0}, {0, 1},  {0, -1},
+                                             {1, 1},  {1, -1}, {-1, 1}, {-1, -1}};
+    for (const auto& factors : kAxesAndDiagonals) planes_.push_back({factors[0], factors[1], 0});
   }
 
   // Finds the seed's component in the current counts and narrows the reach
@@ -298,7 +299,8 @@ class SeedReach {
       while (high >= low && cells[high] != kRegionSeed) --high;
       spanLow_[row] = low;
       spanHigh_[row] = high;
-      for (int tileCol = low >> kTileShift; low <= high && tileCol <= high >> kTileShift; ++tileCol) {
+      if (low > high) continue;
+      for (int tileCol = low >> kTileShift; tileCol <= high >> kTileShift; ++tileCol) {
         const int tile = (row >> kTileShift) * kTiles + tileCol;
         reached[tile >> 6] |= uint64_t{1} << (tile & 63);
       }
