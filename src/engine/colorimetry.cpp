@@ -10,7 +10,8 @@ namespace aimhue {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr double kDegree = kPi / 180.0;
+constexpr double kDegree = kPi / 180.0;  // one degree in radians
+constexpr double kRadian = 180.0 / kPi;  // one radian in degrees
 
 // CIE 15 constants in their exact rational forms.
 constexpr double kLabEpsilon = 216.0 / 24389.0;
@@ -66,7 +67,7 @@ double LabF(double t) {
 // Hue angle in degrees in [0, 360); 0 for a neutral colour.
 double HueDegrees(double b, double a) {
   if (a == 0.0 && b == 0.0) return 0.0;
-  double h = std::atan2(b, a) / kDegree;
+  double h = std::atan2(b, a) * kRadian;
   if (h < 0.0) h += 360.0;
   return h;
 }
