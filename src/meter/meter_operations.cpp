@@ -1,5 +1,5 @@
-// LedMeter operations on the value plane: Align, FixDeadPoint, MergeChroma,
-// and the deep copy CopyTo.
+// LedMeter operations on the value plane: Align, FixDeadPoint and
+// MergeChroma.
 #include <aimhue/led_meter.h>
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
@@ -120,25 +120,6 @@ int LedMeter::MergeChroma(const LedMeter& src, const cv::Mat& mask) {
     return kOutOfRange;
   }
   src.chroma.copyTo(chroma, mask != 0);
-  return kOk;
-}
-
-int LedMeter::CopyTo(LedMeter& dst) const {
-  PlumeLogInfo("LedMeter::CopyTo");
-  if (&dst == this) return kOk;
-  dst.partition.reset();
-  dst.led_panel.reset();
-  dst.layer.reset();
-  dst.capture.reset();
-  if (partition != nullptr) dst.SetPartition(*partition);
-  if (led_panel != nullptr) dst.SetLedPanel(*led_panel);
-  if (layer != nullptr) dst.SetLayer(*layer);
-  if (capture != nullptr) dst.SetCapture(*capture);
-  dst.type = type;
-  dst.color = color;
-  dst.state = state.clone();
-  dst.pos = pos.clone();
-  dst.chroma = chroma.clone();
   return kOk;
 }
 
