@@ -137,7 +137,10 @@ class AIMHUE_EXPORT LedMeter {
   int ToBuffer(char* buffer, uint64_t* size) const;
   int FromBuffer(const char* buffer, uint64_t size);
 
-  // Building a meter from captures and working on it.
+  // Building a meter from captures and working on it. An exception inside
+  // any of these (memory exhausted, an element type OpenCV does not handle)
+  // is logged as "LedMeter::<Method>--Error :: exception: <what>" and
+  // reported as 9, with the meter and every output unchanged.
   //
   // CheckInput: validation and bookkeeping before an Add. The shot needs a
   // single-channel image, a colour, a valid pattern (the capture grid: map
@@ -187,7 +190,8 @@ class AIMHUE_EXPORT LedMeter {
   // screen of the partition, black outside the region (9 without a
   // partition of the chroma's size). Each LED of `marks` (x = column, y =
   // row of the plane; marks outside it are skipped) is circled in white,
-  // radius max(1, scale), thickness 1, line type 8. 5 for an empty chroma, 4 when the write is refused.
+  // radius max(1, scale), thickness 1, line type 8. 5 for an empty chroma, 4 when the write is
+  // refused.
   int ExportGrayChroma(const std::string& fullname, double scale = 1.0,
                        const std::vector<cv::Point>& marks = {}, bool full_screen = false) const;
   // Writes an 8-bit grey picture of one channel of `pos` (0: x, 1: y; else

@@ -179,6 +179,23 @@ TEST(MeterFixDeadPoint, DeadLedsTakeTheMedianOthersStay) {
   }
 }
 
+TEST(MeterMergeChroma, CopiesUnderTheMaskAndRefusesAMaskOpenCvCannotRead) {
+  LedMeter meter = MakeMeter(CIE_Y, 2, 2, 3, 1.0f);
+  const LedMeter source = MakeMeter(CIE_Y, 2, 2, 3, 5.0f);
+  cv::Mat mask = cv::Mat::zeros(2, 3, CV_8UC1);
+  mask.at<uint8_t>(1, 2) = 7;
+  ASSERT_EQ(meter.MergeChroma(source, mask), kOk);
+  EXPECT_EQ(cv::sum(meter.chroma)[0], 5.0 + 5.0);
+  EXPECT_EQ(meter.chroma.at<float>(1, 2), 5.0f);
+  // Half floats cannot be compared by OpenCV, which throws.
+  const std::string before = Bytes(meter);
+  LogCapture log;
+  EXPECT_EQ(meter.MergeChroma(source, cv::Mat(2, 3, CV_16FC1, cv::Scalar(1))), kOutOfRange);
+  ASSERT_EQ(log.Errors().size(), 1u);
+  EXPECT_EQ(log.Errors()[0].rfind("LedMeter::MergeChroma--Error :: exception: ", 0), 0u);
+  EXPECT_EQ(Bytes(meter), before);
+}
+
 TEST(MeterExport, GreyChromaAndPointPictures) {
   TempDir dir;
   const auto picture = [&](const std::string& name) {
