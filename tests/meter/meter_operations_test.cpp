@@ -75,12 +75,18 @@ TEST(MeterAdd, RefusedCapturesLeaveTheMeter) {
   const Shot first = GridShot(0, 0);
   GridSets(first, &positions, &values);
   ASSERT_EQ(meter.Add(&first, nullptr, &values), kOk);  // positions not begun
-  Shot next[4] = {GridShot(1, 0), GridShot(1, 0), GridShot(1, 0), GridShot(1, 0)};
+  Shot next[6] = {GridShot(1, 0), GridShot(1, 0), GridShot(1, 0),
+                  GridShot(1, 0), GridShot(1, 0), GridShot(1, 0)};
   GridSets(next[0], &positions, &values);
   next[1].SetColor(4);
   next[2].SetColor(4);
   next[2].image = cv::Mat(2, 2, CV_16UC3);
   next[3].color.reset();
+  // Another partition, or an interval that makes another grid, light other
+  // LEDs than `values` holds: the capture is from another set, whichever
+  // check would see it first.
+  next[4].SetPartition(Partition{0, 0, 6, 4, 6, 4});
+  next[5].SetPattern(Pattern{1, 1, 2, 0, 0, -1, -1});
   const auto add = [&](const Shot* shot, const LedSet* pos, const LedSet* value) {
     return [=](LedMeter& m) { return m.Add(shot, pos, value); };
   };
@@ -96,7 +102,9 @@ TEST(MeterAdd, RefusedCapturesLeaveTheMeter) {
               {add(next, nullptr, &empty), kEmptyInput, {check + "inpute empty."}},
               {add(next + 1, nullptr, &values), kNotSameSet, {check + "data not in same set."}},
               {add(next + 2, nullptr, &values), kMultiChannelCapture, {check + "multi channels"}},
-              {add(next + 3, nullptr, &values), kNoColor, {no_colour}}});
+              {add(next + 3, nullptr, &values), kNoColor, {no_colour}},
+              {add(next + 4, nullptr, &values), kNotSameSet, {check + "data not in same set."}},
+              {add(next + 5, nullptr, &values), kNotSameSet, {check + "data not in same set."}}});
   // Metadata changed behind the setters' back, as a loaded shot may hold,
   // cannot steer the scatter out of the planes.
   Shot steered[4] = {GridShot(1, 1), GridShot(1, 1), GridShot(1, 1), GridShot(1, 1)};
