@@ -45,9 +45,9 @@ int DataError(const char* who);
 // Logs "<who> -- Failed to Open file. fullname = <fullname>".
 void LogOpenFailure(const char* who, const std::string& fullname);
 
-// Reads the whole file into `bytes`; false when it is not a regular file (a
-// directory or a device) or cannot be opened. `bytes` is replaced only on
-// success.
+// Reads the whole file into `bytes` (see RegularFile): false when it is not
+// a regular file (a directory, a FIFO or a device) or cannot be opened.
+// `bytes` is replaced only on success.
 bool ReadWholeFile(const std::string& fullname, std::string& bytes);
 
 // Replaces the file's content by `bytes`; false when it cannot be opened.
