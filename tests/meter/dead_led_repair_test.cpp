@@ -31,7 +31,8 @@ bool SameBits(const cv::Mat& a, const cv::Mat& b) {
 
 // Random planes (thin ones, and wide ones that the filter handles in vector
 // blocks), values with ties, NaNs, signed zeros and infinities in some
-// trials; dead LEDs scattered, on the borders and in clusters.
+// trials; dead LEDs scattered, on the borders and in clusters (some reading
+// zero, as dead LEDs do).
 TEST(DeadLedRepair, BitIdenticalToTheWholePlaneFilter) {
   cv::RNG random(20261123);
   const float kSpecial[] = {0.0f, -0.0f, std::numeric_limits<float>::quiet_NaN(),
@@ -53,6 +54,11 @@ TEST(DeadLedRepair, BitIdenticalToTheWholePlaneFilter) {
     state.col(cols - 1).setTo(trial % 6 == 2 ? 1 : 0);
     const cv::Rect cluster(random.uniform(0, cols), random.uniform(0, rows), 4, 3);
     state(cluster & cv::Rect(0, 0, cols, rows)).setTo(5);
+    if (trial % 4 == 3) {  // dead LEDs reading +0 and -0 side by side
+      const cv::Rect zeros = cluster & cv::Rect(0, 0, cols, rows);
+      values(zeros).setTo(0.0f);
+      if (zeros.area() > 1) values.at<float>(zeros.y, zeros.x) = -0.0f;
+    }
     state.at<uint8_t>(0, 0) |= 2;  // other bits never mark a dead LED
     cv::Mat fast = values.clone();
     cv::Mat plain = values.clone();
