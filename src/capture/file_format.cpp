@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "capture/regular_file.h"
+
 namespace aimhue {
 
 bool HasExtension(const std::string& fullname, const std::string& extension) {
@@ -50,18 +52,7 @@ void LogOpenFailure(const char* who, const std::string& fullname) {
 }
 
 bool ReadWholeFile(const std::string& fullname, std::string& bytes) {
-  FileSource file;
-  if (!file.Open(fullname) || file.Size() > SIZE_MAX) return false;
-  std::string content(static_cast<size_t>(file.Size()), '\0');
-  size_t filled = 0;
-  while (filled < content.size()) {
-    const size_t got = file.Read(&content[filled], content.size() - filled);
-    if (got == 0) break;  // the file ended early: keep what it held
-    filled += got;
-  }
-  content.resize(filled);
-  bytes.swap(content);
-  return true;
+  return ReadRegularFile(fullname, bytes);
 }
 
 bool WriteWholeFile(const std::string& fullname, const std::string& bytes) {

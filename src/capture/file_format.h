@@ -49,10 +49,8 @@ int DataError(const char* who);
 // Logs "<who> -- Failed to Open file. fullname = <fullname>".
 void LogOpenFailure(const char* who, const std::string& fullname);
 
-// Reads the whole file into `bytes`, allocated once at the file's size;
-// false when it is not a regular file (a directory, a FIFO or a device) or
-// cannot be opened. A file that changes size while it is read gives the
-// bytes read up to its end or its size at opening, whichever comes first.
+// Reads the whole file into `bytes` (see RegularFile): false when it is not
+// a regular file (a directory, a FIFO or a device) or cannot be opened.
 // `bytes` is replaced only on success.
 bool ReadWholeFile(const std::string& fullname, std::string& bytes);
 

@@ -1,8 +1,7 @@
-// File sources and sinks over POSIX descriptors.
+// File sinks over POSIX descriptors.
 #include "capture/file_stream.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,39 +11,10 @@ namespace aimhue {
 namespace {
 
 constexpr size_t kSinkBufferBytes = size_t{1} << 16;
-// Linux transfers at most this much per read or write call.
+// Linux transfers at most this much per write call.
 constexpr size_t kMaxTransfer = 0x7ffff000;
 
 }  // namespace
-
-FileSource::~FileSource() {
-  if (descriptor_ >= 0) ::close(descriptor_);
-}
-
-bool FileSource::Open(const std::string& fullname) {
-  if (descriptor_ >= 0) return false;
-  // Non-blocking, so that opening a FIFO without a writer returns at once;
-  // the type check below then refuses it.
-  const int descriptor = ::open(fullname.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) return false;
-  struct stat status {};
-  if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 0) {
-    ::close(descriptor);
-    return false;
-  }
-  descriptor_ = descriptor;
-  size_ = static_cast<uint64_t>(status.st_size);
-  return true;
-}
-
-size_t FileSource::Read(void* out, size_t count) {
-  if (descriptor_ < 0) return 0;
-  for (;;) {
-    const ssize_t got = ::read(descriptor_, out, std::min(count, kMaxTransfer));
-    if (got >= 0) return static_cast<size_t>(got);
-    if (errno != EINTR) return 0;
-  }
-}
 
 FileSink::~FileSink() { Close(); }
 

@@ -15,27 +15,25 @@
 #include <vector>
 
 #include "capture/byte_stream.h"
+#include "capture/regular_file.h"
 
 namespace aimhue {
 
+// A RegularFile as a ByteReader's source.
 class FileSource final : public ByteSource {
  public:
-  FileSource() = default;
-  FileSource(const FileSource&) = delete;
-  FileSource& operator=(const FileSource&) = delete;
-  ~FileSource() override;
-
-  // False when the file cannot be opened or is not a regular file: a
-  // directory holds no data, a FIFO could block forever and a device such
-  // as /dev/zero would never end.
-  bool Open(const std::string& fullname);
+  // False when the file cannot be opened or is not a regular file (see
+  // RegularFile::Open).
+  bool Open(const std::string& fullname) { return file_.Open(fullname); }
   // The size when the file was opened.
-  uint64_t Size() const noexcept { return size_; }
-  size_t Read(void* out, size_t count) override;
+  uint64_t Size() const noexcept { return file_.size(); }
+  size_t Read(void* out, size_t count) override {
+    const int64_t got = file_.ReadUpTo(out, count);
+    return got < 0 ? 0 : static_cast<size_t>(got);
+  }
 
  private:
-  int descriptor_ = -1;
-  uint64_t size_ = 0;
+  RegularFile file_;
 };
 
 class FileSink final : public ByteSink {

@@ -75,12 +75,18 @@ TEST(MeterAdd, RefusedCapturesLeaveTheMeter) {
   const Shot first = GridShot(0, 0);
   GridSets(first, &positions, &values);
   ASSERT_EQ(meter.Add(&first, nullptr, &values), kOk);  // positions not begun
-  Shot next[4] = {GridShot(1, 0), GridShot(1, 0), GridShot(1, 0), GridShot(1, 0)};
+  Shot next[6] = {GridShot(1, 0), GridShot(1, 0), GridShot(1, 0),
+                  GridShot(1, 0), GridShot(1, 0), GridShot(1, 0)};
   GridSets(next[0], &positions, &values);
   next[1].SetColor(4);
   next[2].SetColor(4);
   next[2].image = cv::Mat(2, 2, CV_16UC3);
   next[3].color.reset();
+  // Another partition, or an interval that makes another grid, light other
+  // LEDs than `values` holds: the capture is from another set, whichever
+  // check would see it first.
+  next[4].SetPartition(Partition{0, 0, 6, 4, 6, 4});
+  next[5].SetPattern(Pattern{1, 1, 2, 0, 0, -1, -1});
   const auto add = [&](const Shot* shot, const LedSet* pos, const LedSet* value) {
     return [=](LedMeter& m) { return m.Add(shot, pos, value); };
   };
@@ -96,7 +102,9 @@ TEST(MeterAdd, RefusedCapturesLeaveTheMeter) {
               {add(next, nullptr, &empty), kEmptyInput, {check + "inpute empty."}},
               {add(next + 1, nullptr, &values), kNotSameSet, {check + "data not in same set."}},
               {add(next + 2, nullptr, &values), kMultiChannelCapture, {check + "multi channels"}},
-              {add(next + 3, nullptr, &values), kNoColor, {no_colour}}});
+              {add(next + 3, nullptr, &values), kNoColor, {no_colour}},
+              {add(next + 4, nullptr, &values), kNotSameSet, {check + "data not in same set."}},
+              {add(next + 5, nullptr, &values), kNotSameSet, {check + "data not in same set."}}});
   // Metadata changed behind the setters' back, as a loaded shot may hold,
   // cannot steer the scatter out of the planes.
   Shot steered[4] = {GridShot(1, 1), GridShot(1, 1), GridShot(1, 1), GridShot(1, 1)};
@@ -177,6 +185,23 @@ TEST(MeterFixDeadPoint, DeadLedsTakeTheMedianOthersStay) {
       }
     }
   }
+}
+
+TEST(MeterMergeChroma, CopiesUnderTheMaskAndRefusesAMaskOpenCvCannotRead) {
+  LedMeter meter = MakeMeter(CIE_Y, 2, 2, 3, 1.0f);
+  const LedMeter source = MakeMeter(CIE_Y, 2, 2, 3, 5.0f);
+  cv::Mat mask = cv::Mat::zeros(2, 3, CV_8UC1);
+  mask.at<uint8_t>(1, 2) = 7;
+  ASSERT_EQ(meter.MergeChroma(source, mask), kOk);
+  EXPECT_EQ(cv::sum(meter.chroma)[0], 5.0 + 5.0);
+  EXPECT_EQ(meter.chroma.at<float>(1, 2), 5.0f);
+  // Half floats cannot be compared by OpenCV, which throws.
+  const std::string before = Bytes(meter);
+  LogCapture log;
+  EXPECT_EQ(meter.MergeChroma(source, cv::Mat(2, 3, CV_16FC1, cv::Scalar(1))), kOutOfRange);
+  ASSERT_EQ(log.Errors().size(), 1u);
+  EXPECT_EQ(log.Errors()[0].rfind("LedMeter::MergeChroma--Error :: exception: ", 0), 0u);
+  EXPECT_EQ(Bytes(meter), before);
 }
 
 TEST(MeterExport, GreyChromaAndPointPictures) {
