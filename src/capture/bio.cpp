@@ -8,6 +8,7 @@
 
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
+#include "capture/file_stream.h"
 #include "capture/matrix_block.h"
 #include "common/exception_guard.h"
 
@@ -26,24 +27,25 @@ class MemoryBuffer : public std::streambuf {
 };
 
 bool SaveMatrixFile(const std::string& fullname, const cv::Mat& mat) {
-  std::string content;
-  ByteWriter out(content);
-  out.WriteU8(static_cast<uint8_t>(kByteOrderMark));
-  WriteMatrixBlock(mat, out);
-  if (!WriteWholeFile(fullname, content)) {
+  FileSink file;
+  if (!file.Open(fullname)) {
     LogOpenFailure("BIO::SaveMatToBin", fullname);
     return false;
   }
+  ByteWriter out(file);
+  out.WriteU8(static_cast<uint8_t>(kByteOrderMark));
+  WriteMatrixBlock(mat, out);
+  file.Close();  // write errors are not reported, as for every format's Save
   return true;
 }
 
 bool LoadMatrixFile(const std::string& fullname, cv::Mat& mat) {
-  std::string content;
-  if (!ReadWholeFile(fullname, content)) {
+  FileSource file;
+  if (!file.Open(fullname)) {
     LogOpenFailure("BIO::LoadBinToMat", fullname);
     return false;
   }
-  ByteReader in(content.data(), content.size());
+  ByteReader in(file, file.Size());
   uint8_t mark = 0;
   if (!in.ReadU8(mark) || mark != static_cast<uint8_t>(kByteOrderMark)) return true;
   cv::Mat loaded;

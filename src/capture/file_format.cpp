@@ -1,12 +1,12 @@
 // The shared file conventions: extension, header, whole-file reading and
-// the caller's-buffer rule.
+// writing, and the caller's-buffer rule.
 #include "capture/file_format.h"
 
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
 
+#include <cstdint>
 #include <cstring>
-#include <fstream>
 
 #include "capture/regular_file.h"
 
@@ -56,9 +56,10 @@ bool ReadWholeFile(const std::string& fullname, std::string& bytes) {
 }
 
 bool WriteWholeFile(const std::string& fullname, const std::string& bytes) {
-  std::ofstream file(fullname, std::ios::binary | std::ios::trunc);
-  if (!file) return false;
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  FileSink file;
+  if (!file.Open(fullname)) return false;
+  file.Write(bytes.data(), bytes.size());
+  file.Close();
   return true;
 }
 
