@@ -11,6 +11,8 @@ void RegisterMeter(pybind11::module_& module);
 void RegisterEngine(pybind11::module_& module);
 void RegisterReaders(pybind11::module_& module);
 void RegisterSynthetic(pybind11::module_& module);
+void RegisterCorrection(pybind11::module_& module);
+void RegisterColour(pybind11::module_& module);
 
 }  // namespace aimhue::python
 

@@ -12,7 +12,8 @@ PYBIND11_MODULE(aimhue, module) {
 
 The module offers the aimhue library on NumPy arrays: the target engine
 (``Engine``), the coverage of targets (``coverage``), measurement records
-(``Meter``) and camera-file readers. Every non-zero status of the library
+(``Meter``), the per-LED correction (``correct``), colour maths
+(``xyz_to_lab``, ``delta_e_2000``, ``daylight_xy``) and camera-file readers. Every non-zero status of the library
 raises ``aimhue.Error``; arrays of the wrong dtype, shape or layout raise
 ``TypeError`` or ``ValueError`` naming the argument before the library is
 called.
@@ -28,5 +29,7 @@ unless ``convert=True`` asks for the rounding to float32.
   aimhue::python::RegisterMeter(module);
   aimhue::python::RegisterEngine(module);
   aimhue::python::RegisterReaders(module);
+  aimhue::python::RegisterCorrection(module);
+  aimhue::python::RegisterColour(module);
   aimhue::python::RegisterSynthetic(module);
 }
