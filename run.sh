@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # One entry point for a fresh machine or a warm checkout:
-#   ./run.sh demo   install what is missing, build, run the demo
+#   ./run.sh demo   install what is missing, build the library and the tool
+#                   only (not the tests), run the demo
 #   ./run.sh test   install what is missing, build and run every test:
 #                   release build, address/undefined sanitizer build,
 #                   thread sanitizer build of the concurrency tests, and a
@@ -118,7 +119,11 @@ fuzz() {
 case "${1:-}" in
   demo)
     setup
-    build release
+    # Only what the demo runs; the same tree, so that "test" later builds
+    # just the rest.
+    log "building the library and the tool in build/release"
+    configure release
+    cmake --build build/release -j "$jobs" --target aimhue_tool
     log "demo"
     ./build/release/tools/aimhue/aimhue demo --size 320x180 --out build/demo
     ;;

@@ -7,6 +7,7 @@
 
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
+#include "capture/file_stream.h"
 #include "capture/matrix_block.h"
 
 namespace aimhue {
@@ -14,25 +15,26 @@ namespace BIO {
 
 bool SaveMatToBin(const std::string& fullname, const cv::Mat& mat) {
   PlumeLogInfo("BIO::SaveMatToBin");
-  std::string content;
-  ByteWriter out(content);
-  out.WriteU8(static_cast<uint8_t>(kByteOrderMark));
-  WriteMatrixBlock(mat, out);
-  if (!WriteWholeFile(fullname, content)) {
+  FileSink file;
+  if (!file.Open(fullname)) {
     LogOpenFailure("BIO::SaveMatToBin", fullname);
     return false;
   }
+  ByteWriter out(file);
+  out.WriteU8(static_cast<uint8_t>(kByteOrderMark));
+  WriteMatrixBlock(mat, out);
+  file.Close();  // write errors are not reported, as for every format's Save
   return true;
 }
 
 bool LoadBinToMat(const std::string& fullname, cv::Mat& mat) {
   PlumeLogInfo("BIO::LoadBinToMat");
-  std::string content;
-  if (!ReadWholeFile(fullname, content)) {
+  FileSource file;
+  if (!file.Open(fullname)) {
     LogOpenFailure("BIO::LoadBinToMat", fullname);
     return false;
   }
-  ByteReader in(content.data(), content.size());
+  ByteReader in(file, file.Size());
   uint8_t mark = 0;
   if (!in.ReadU8(mark) || mark != static_cast<uint8_t>(kByteOrderMark)) return true;
   cv::Mat loaded;

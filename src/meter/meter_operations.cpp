@@ -7,13 +7,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include <opencv2/imgproc.hpp>
+#include "meter/dead_led_repair.h"
 
 namespace aimhue {
 namespace {
-
-constexpr int kMedianSize = 3;
-constexpr uint8_t kDeadBit = 0x1;
 
 // Multiplies every element by `factor` in single precision.
 void ScalePlane(cv::Mat& plane, float factor) {
@@ -93,18 +90,7 @@ int LedMeter::FixDeadPoint() {
     PlumeLogError("LedMeter::FixDeadPoint--Error :: state size mismatch");
     return kOutOfRange;
   }
-  // Dead LEDs take part in their neighbours' medians, as the filter sees the
-  // whole plane.
-  cv::Mat median;
-  cv::medianBlur(chroma, median, kMedianSize);
-  for (int r = 0; r < chroma.rows; ++r) {
-    const uint8_t* states = state.ptr<uint8_t>(r);
-    const float* filtered = median.ptr<float>(r);
-    float* values = chroma.ptr<float>(r);
-    for (int c = 0; c < chroma.cols; ++c) {
-      if (states[c] & kDeadBit) values[c] = filtered[c];
-    }
-  }
+  RepairDeadLeds(state, chroma);
   return kOk;
 }
 
