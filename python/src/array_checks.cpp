@@ -196,21 +196,37 @@ void ScreenInput::AddPrimary(int primary, py::handle value, const std::string& n
   const int rows = static_cast<int>(interleaved.shape(0));
   const int cols = static_cast<int>(interleaved.shape(1));
   checkShape(rows, cols, name);
-  // The one copy of this form: each of X, Y, Z becomes its own plane.
+  // The one copy of this form: X, Y and Z become planes of their own, in
+  // one pass over the array (without the GIL: other threads may run).
   const auto strideRow = interleaved.strides(0), strideCol = interleaved.strides(1),
              strideAxis = interleaved.strides(2);
   const char* base = static_cast<const char*>(interleaved.data());
-  for (int axis = 0; axis < kPrimaryCount; ++axis) {
-    cv::Mat plane(rows, cols, CV_32FC1);
+  cv::Mat planes[kPrimaryCount];
+  for (auto& plane : planes) plane.create(rows, cols, CV_32FC1);
+  const auto floatSize = static_cast<py::ssize_t>(sizeof(float));
+  const bool packed = strideAxis == floatSize && strideCol == kPrimaryCount * floatSize &&
+                      strideRow >= cols * strideCol && strideRow % floatSize == 0;
+  if (packed) {
+    // The usual layout: OpenCV's vectorised split.
+    py::gil_scoped_release release;
+    const cv::Mat whole(rows, cols, CV_32FC3, const_cast<char*>(base),
+                        static_cast<size_t>(strideRow));
+    cv::split(whole, planes);
+  } else {
+    py::gil_scoped_release release;
     for (int row = 0; row < rows; ++row) {
-      const char* source = base + row * strideRow + axis * strideAxis;
-      float* target = plane.ptr<float>(row);
-      for (int col = 0; col < cols; ++col) {
-        std::memcpy(&target[col], source + col * strideCol, sizeof(float));
+      const char* source = base + row * strideRow;
+      float* targets[kPrimaryCount] = {planes[0].ptr<float>(row), planes[1].ptr<float>(row),
+                                       planes[2].ptr<float>(row)};
+      for (int col = 0; col < cols; ++col, source += strideCol) {
+        for (int axis = 0; axis < kPrimaryCount; ++axis) {
+          std::memcpy(&targets[axis][col], source + axis * strideAxis, sizeof(float));
+        }
       }
     }
-    setUp(axis, std::move(plane));
   }
+  for (int axis = 0; axis < kPrimaryCount; ++axis) setUp(axis, std::move(planes[axis]));
+  borrowed_.push_back(std::move(interleaved));
 }
 
 std::array<float, 12> TargetBlock(py::handle value, const std::string& name, bool convert) {
