@@ -66,39 +66,25 @@ TEST(CieDe2000Test, MatchesThePublishedPairsInBothOrders) {
   EXPECT_TRUE(std::isnan(CieDe2000({NAN, 0, 0}, {50, 0, 0})));
 }
 
-TEST(XyzToLabTest, WhiteMidGreyAndTheJoinOfTheTwoSegments) {
+TEST(XyzToLabTest, WhiteRedAndTheJoinOfTheTwoSegments) {
   const cv::Vec3d white(95.047, 100.0, 108.883);
-  const cv::Vec3d lab = XyzToLab(white, white);
-  EXPECT_NEAR(lab[0], 100.0, 1e-12);
-  EXPECT_NEAR(lab[1], 0.0, 1e-12);
-  EXPECT_NEAR(lab[2], 0.0, 1e-12);
-  // Half the white's luminance: L* = 116 cbrt(0.5) - 16.
-  EXPECT_NEAR(XyzToLab(white * 0.5, white)[0], 116.0 * std::cbrt(0.5) - 16.0, 1e-12);
-  // At Y / Yn = 216/24389 both segments give L* = 8 (kappa x epsilon = 8),
-  // and just below it the linear one continues smoothly.
+  EXPECT_LE(cv::norm(XyzToLab(white, white), cv::Vec3d(100, 0, 0)), 1e-12);
+  // The red primary of sRGB under D65.
+  EXPECT_LE(cv::norm(XyzToLab({41.24564, 21.26729, 1.93339}, white),
+                     cv::Vec3d(53.2408, 80.0925, 67.2032), cv::NORM_INF),
+            1e-4);
+  // At Y / Yn = 216/24389 both segments give L* = 8 (kappa x epsilon = 8).
   const double epsilon = 216.0 / 24389.0;
   EXPECT_NEAR(XyzToLab(white * epsilon, white)[0], 8.0, 1e-12);
   EXPECT_NEAR(XyzToLab(white * (epsilon * (1 - 1e-9)), white)[0], 8.0, 1e-7);
-  // A chromatic colour, the red primary of sRGB under D65.
-  const cv::Vec3d red = XyzToLab({41.24564, 21.26729, 1.93339}, white);
-  EXPECT_NEAR(red[0], 53.2408, 1e-3);
-  EXPECT_NEAR(red[1], 80.0925, 1e-3);
-  EXPECT_NEAR(red[2], 67.2032, 1e-3);
-  // Negative noise stays finite on the linear segment.
-  EXPECT_TRUE(std::isfinite(XyzToLab({-0.1, -0.1, -0.1}, white)[0]));
 }
 
 TEST(DaylightXyTest, LocusPointsAndRefusedTemperatures) {
-  const cv::Vec2d d65 = DaylightXy(6504.38938305);
-  EXPECT_NEAR(d65[0], 0.3127077, 5e-7);
-  EXPECT_NEAR(d65[1], 0.3291128, 5e-7);
-  // D50 (5003 K) and the upper branch (D75 near 7504 K).
-  EXPECT_NEAR(DaylightXy(5002.78)[0], 0.3457, 1e-4);
-  EXPECT_NEAR(DaylightXy(7503.69)[0], 0.2990, 1e-4);
-  for (double kelvin : {4000.0, 25000.0}) {
-    EXPECT_TRUE(std::isfinite(DaylightXy(kelvin)[0])) << kelvin;
-  }
-  for (double kelvin : {3999.0, 25001.0, double(NAN), double(INFINITY), -6500.0}) {
+  EXPECT_LE(cv::norm(DaylightXy(6504.38938305), cv::Vec2d(0.3127077, 0.3291128), cv::NORM_INF),
+            5e-7);
+  EXPECT_NEAR(DaylightXy(7503.69)[0], 0.2990, 1e-4);  // D75, on the upper branch
+  EXPECT_TRUE(std::isfinite(DaylightXy(4000)[0]) && std::isfinite(DaylightXy(25000)[1]));
+  for (double kelvin : {3999.0, 25001.0, double(NAN), -6500.0}) {
     const cv::Vec2d xy = DaylightXy(kelvin);
     EXPECT_TRUE(std::isnan(xy[0]) && std::isnan(xy[1])) << kelvin;
   }
