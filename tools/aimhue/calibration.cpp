@@ -114,11 +114,13 @@ CalibrationSettings ParseCalibrationSettings(const CalibrationOptionText& text) 
   return settings;
 }
 
-Calibration Calibrate(Meters& meters, const CalibrationSettings& settings) {
+Calibration Calibrate(const MeasuredScreen& measured, const CalibrationSettings& settings) {
   Calibration calibration{CreateHandle(), {}};
   CalibrationReport& report = calibration.report;
-  const Handle& handle = calibration.handle;
-  report.screen = MeterScreen(meters);
+  Aimhue* const handle = calibration.handle.get();
+  AimhueScreen const screen = measured.screen.get();
+  report.screen = measured.size;
+  report.dead = measured.dead;
   report.percentEnd = settings.percentEnd;
   report.fractions = settings.fractions;
   report.white = settings.white;
@@ -127,54 +129,38 @@ Calibration Calibrate(Meters& meters, const CalibrationSettings& settings) {
   report.ngThresh = settings.ngThresh;
   std::vector<TimedStep>& timings = report.timings;
 
-  Timed(timings, "dead LEDs", [&] { report.dead = HandleDeadLeds(meters, !settings.keepDead); });
-  WarnImplausibleMeters(meters);
-
-  CheckStatus(AimhueSetNGThresh(handle.get(), settings.ngThresh), "--ng-thresh refused");
-  CheckStatus(AimhueSetPercentEnd(handle.get(), settings.percentEnd.data()),
-              "--percent-end refused");
-  const MeterTriple red = Triple(meters, 0);
-  const MeterTriple green = Triple(meters, 1);
-  const MeterTriple blue = Triple(meters, 2);
-
+  CheckStatus(AimhueSetNGThresh(handle, settings.ngThresh), "--ng-thresh refused");
+  CheckStatus(AimhueSetPercentEnd(handle, settings.percentEnd.data()), "--percent-end refused");
   Timed(timings, "target search", [&] {
-    CheckStatus(AimhueSearch(handle.get(), red.get(), green.get(), blue.get(), 3),
-                "the target search refused the meters");
+    CheckStatus(AimhueSearchScreen(handle, screen), "the target search refused the meters");
   });
-  TargetBlock before_white{};
   Timed(timings, "interpolation fractions", [&] {
-    CheckStatus(AimhueSetPercentCalcChroma(handle.get(), settings.fractions.data()),
+    CheckStatus(AimhueSetPercentCalcChroma(handle, settings.fractions.data()),
                 "the interpolation fractions were refused");
-    before_white = GetTargets(handle.get());
   });
   Timed(timings, "white point", [&] {
     const TargetLxy white{0.0f, settings.white.x, settings.white.y};
-    CheckStatus(AimhueCalcWhite(handle.get(), settings.scale, &white, settings.uncapped ? 1 : 0),
+    CheckStatus(AimhueCalcWhite(handle, settings.scale, &white, settings.uncapped ? 1 : 0),
                 "the white point calculation failed");
-    report.targets = GetTargets(handle.get());
   });
-  for (int p = 0; p < 3; ++p) {
-    // The engine rescales each luminance in 32 bits before it solves for
-    // the gains; the gain is the new luminance over that rescaled one.
-    const float rescaled = before_white[p].L * settings.scale;
-    report.gains[p] = report.targets[p].L / rescaled;
-  }
-  Timed(timings, "coverage",
-        [&] { report.coverage = CountCoverage(meters, report.targets, cv::Mat()); });
-  Timed(timings, "NG limit", [&] {
-    CheckStatus(AimhueCalcPercentNG(handle.get(), red.get(), green.get(), blue.get(), 3),
+  Timed(timings, "NG limit and coverage", [&] {
+    CheckStatus(AimhueCalcPercentNGScreen(handle, screen, &report.coverage),
                 "the NG limit calculation failed");
   });
   Timed(timings, "NG judgement", [&] {
     bool ng = true;
-    CheckStatus(AimhueJudgeNG(handle.get(), &ng, red.get(), green.get(), blue.get(), 3),
-                "the NG judgement failed");
+    CheckStatus(AimhueJudgeNGScreen(handle, screen, &ng, nullptr), "the NG judgement failed");
     report.ng = ng;
   });
-  const EngineImage image = ReadEngineImage(handle.get());
-  report.searchStart = image.searchStart;
-  report.searchEnd = image.searchEnd;
-  report.ngLimit = image.ngLimit;
+  const AimhueResults results = GetResults(handle);
+  report.targets = ToBlock(results.targets);
+  report.searchStart = ToBlock(results.searchStart);
+  report.searchEnd = ToBlock(results.searchEnd);
+  report.ngLimit = results.ngLimit;
+  report.outliers = {results.outliers[0], results.outliers[1], results.outliers[2]};
+  Timed(timings, "misses", [&] {
+    report.ledsMissingTargets = CountLedsMissingTargets(screen, results.targets, measured.size);
+  });
   return calibration;
 }
 
@@ -193,7 +179,7 @@ void CheckCalibration(const CalibrationReport& report) {
   }
 }
 
-void WriteCalibrationOutputs(Calibration& calibration, const Meters& meters,
+void WriteCalibrationOutputs(Calibration& calibration, const MeasuredScreen& measured,
                              const CalibrationOutputs& files) {
   CalibrationReport& report = calibration.report;
   try {
@@ -206,7 +192,7 @@ void WriteCalibrationOutputs(Calibration& calibration, const Meters& meters,
   if (!files.result.empty()) outputs.Add(files.result, EngineFileBytes(calibration.handle.get()));
   if (!files.plot.empty()) {
     Timed(report.timings, "gamut plot",
-          [&] { outputs.Add(files.plot, GamutPlotPng(meters, report)); });
+          [&] { outputs.Add(files.plot, GamutPlotPng(measured.leds, report)); });
   }
   report.outputs = outputs.Targets();
   if (!files.json.empty()) {

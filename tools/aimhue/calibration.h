@@ -53,12 +53,13 @@ struct Calibration {
   CalibrationReport report;
 };
 
-// Runs dead-LED handling, AimhueSearch, AimhueSetPercentCalcChroma,
-// AimhueCalcWhite, AimhueCalcPercentOfTarget, AimhueCalcPercentNG and
-// AimhueJudgeNG on `meters`. Fills everything of the report but its source
-// and outputs. Writes nothing. A library status other than 0 ends the
-// command (CommandError).
-Calibration Calibrate(Meters& meters, const CalibrationSettings& settings);
+// Runs AimhueSearchScreen, AimhueSetPercentCalcChroma, AimhueCalcWhite,
+// AimhueCalcPercentNGScreen (the coverage of the targets and the NG limit
+// from one count) and AimhueJudgeNGScreen on the screen, then counts the
+// LEDs that miss a target. Fills everything of the report but its source,
+// outputs and the timings of the steps before. Writes nothing. A library
+// status other than 0 ends the command (CommandError).
+Calibration Calibrate(const MeasuredScreen& measured, const CalibrationSettings& settings);
 
 // Ends the command (CommandError, exit status 3) when a target or the NG
 // limit is not finite: the library then reported success, but the result
@@ -78,7 +79,7 @@ struct CalibrationOutputs {
 // refuses), then writes the outputs all together (OutputTransaction) and
 // lists them in the report's outputs. Nothing is written when any step
 // fails.
-void WriteCalibrationOutputs(Calibration& calibration, const Meters& meters,
+void WriteCalibrationOutputs(Calibration& calibration, const MeasuredScreen& measured,
                              const CalibrationOutputs& files);
 
 }  // namespace tool

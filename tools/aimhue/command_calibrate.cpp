@@ -5,6 +5,7 @@
 #include "calibration.h"
 #include "command_error.h"
 #include "commands.h"
+#include "output_files.h"
 
 namespace aimhue {
 namespace tool {
@@ -22,13 +23,16 @@ int RunCalibrate(const CalibrateOptions& options) {
   const CalibrationSettings settings = ParseCalibrationSettings(options.calibration);
   const MeterFiles files = options.meters.ToMeterFiles();
   std::vector<TimedStep> loading;
-  Meters meters;
-  Timed(loading, "load meters", [&] { meters = LoadMeters(files); });
-  Calibration calibration = Calibrate(meters, settings);
+  MeasuredScreen measured;
+  Timed(loading, "load meters, dead LEDs, combine", [&] {
+    measured = MeasureScreen([&](int primary) { return LoadPrimary(files, primary); },
+                             !settings.keepDead, kPlottedLedsPerPrimary);
+  });
+  Calibration calibration = Calibrate(measured, settings);
   CalibrationReport& report = calibration.report;
   report.source = DescribeMeterFiles(files);
   report.timings.insert(report.timings.begin(), loading.begin(), loading.end());
-  WriteCalibrationOutputs(calibration, meters, {options.result, options.plot, options.json});
+  WriteCalibrationOutputs(calibration, measured, {options.result, options.plot, options.json});
   PrintCalibrationReport(std::cout, report);
   return kExitOk;
 }

@@ -8,6 +8,7 @@
 #include "calibration.h"
 #include "command_error.h"
 #include "commands.h"
+#include "output_files.h"
 
 namespace aimhue {
 namespace tool {
@@ -30,7 +31,7 @@ int RunDemo(const DemoOptions& options) {
   const std::string plot_file = (folder / "gamut.png").string();
 
   std::vector<TimedStep> generation;
-  Meters meters;
+  synthetic::ScreenMeters meters;
   Timed(generation, "generate screen", [&] {
     synthetic::ScreenOptions screen;
     screen.cols = size.cols;
@@ -38,12 +39,17 @@ int RunDemo(const DemoOptions& options) {
     screen.seed = options.seed;
     meters = synthetic::GenerateMeters(screen);
   });
-  Calibration calibration = Calibrate(meters, settings);
+  MeasuredScreen measured;
+  Timed(generation, "dead LEDs, combine", [&] {
+    measured = MeasureScreen([&](int primary) { return std::move(meters[primary]); },
+                             !settings.keepDead, kPlottedLedsPerPrimary);
+  });
+  Calibration calibration = Calibrate(measured, settings);
   CalibrationReport& report = calibration.report;
   report.source = "synthetic screen " + std::to_string(size.cols) + " x " +
                   std::to_string(size.rows) + ", seed " + std::to_string(options.seed);
   report.timings.insert(report.timings.begin(), generation.begin(), generation.end());
-  WriteCalibrationOutputs(calibration, meters, {result_file, plot_file, json_file});
+  WriteCalibrationOutputs(calibration, measured, {result_file, plot_file, json_file});
   PrintCalibrationReport(std::cout, report);
   return kExitOk;
 }

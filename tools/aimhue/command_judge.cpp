@@ -60,28 +60,29 @@ void CheckStoredResults(const std::string& file, const TargetBlock& targets, flo
 CoverageReport MeasureCoverage(const JudgeOptions& options, bool judge) {
   const MeterFiles files = options.meters.ToMeterFiles();
   const Handle handle = LoadHandle(options.targets);
+  const AimhueResults results = GetResults(handle.get());
   CoverageReport report;
-  report.targets = GetTargets(handle.get());
-  if (judge) report.ngLimit = ReadEngineImage(handle.get()).ngLimit;
+  report.targets = ToBlock(results.targets);
+  if (judge) report.ngLimit = results.ngLimit;
   CheckStoredResults(options.targets, report.targets, report.ngLimit, judge);
-  const Meters meters = LoadMeters(files);
-  WarnImplausibleMeters(meters);
+  const cv::Mat mask = options.mask.empty() ? cv::Mat() : ReadMask(options.mask);
+  // Dead LEDs are counted, not repaired: a dead LED reaches no target.
+  const MeasuredScreen measured =
+      MeasureScreen([&](int primary) { return LoadPrimary(files, primary); }, false, 0);
   report.source = DescribeMeterFiles(files);
   report.targetsFile = options.targets;
   report.maskFile = options.mask;
-  report.screen = MeterScreen(meters);
-  report.deadLeds = CountDeadLeds(meters);
-  const cv::Mat mask = options.mask.empty() ? cv::Mat() : ReadMask(options.mask);
-  report.coverage = CountCoverage(meters, report.targets, mask);
+  report.screen = measured.size;
+  report.deadLeds = measured.dead.found;
   if (judge) {
-    const MeterTriple red = Triple(meters, 0);
-    const MeterTriple green = Triple(meters, 1);
-    const MeterTriple blue = Triple(meters, 2);
+    // One count gives both the coverage and the verdict.
     bool ng = true;
-    CheckStatus(AimhueJudgeNG(handle.get(), &ng, red.get(), green.get(), blue.get(), 3),
+    CheckStatus(AimhueJudgeNGScreen(handle.get(), measured.screen.get(), &ng, &report.coverage),
                 "the NG judgement refused the meters");
     report.judged = true;
     report.ng = ng;
+  } else {
+    report.coverage = CountCoverage(measured.screen.get(), report.targets, mask);
   }
   return report;
 }

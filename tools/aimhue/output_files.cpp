@@ -10,12 +10,6 @@
 
 namespace aimhue {
 namespace tool {
-namespace {
-
-constexpr std::size_t kPlottedLedsPerPrimary = 300000;
-
-}  // namespace
-
 std::string EngineFileBytes(AimhueHandle handle) {
   uint64_t size = 0;
   CheckStatus(AimhueGetBufferSize(handle, &size), "cannot size the engine's results");
@@ -29,14 +23,12 @@ std::string JsonText(const ReportJson& json) {
   return json.dump(2, ' ', false, ReportJson::error_handler_t::replace) + "\n";
 }
 
-std::string GamutPlotPng(const Meters& meters, const CalibrationReport& report) {
+std::string GamutPlotPng(const std::array<std::vector<cv::Point2f>, kPrimaryCount>& leds,
+                        const CalibrationReport& report) {
   GamutPlotInput input;
   input.title = "aimhue gamut plot - " + report.source;
   input.whiteName = report.white.name;
-  for (int p = 0; p < 3; ++p) {
-    input.leds[p] = LedChromaticities(meters[p][0].chroma, meters[p][1].chroma, meters[p][2].chroma,
-                                      kPlottedLedsPerPrimary);
-  }
+  input.leds = leds;
   input.searchStart = report.searchStart;
   input.targets = report.targets;
   std::vector<uchar> png;

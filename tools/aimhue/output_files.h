@@ -20,12 +20,16 @@ std::string EngineFileBytes(AimhueHandle handle);
 
 // `json` indented by two blanks, with a final line end. Strings that are
 // not valid UTF-8 have their bad bytes replaced by U+FFFD.
+// How many LEDs of each primary the gamut plot shows at most.
+constexpr std::size_t kPlottedLedsPerPrimary = 300000;
+
 std::string JsonText(const ReportJson& json);
 
-// The gamut plot of the meters' LEDs (at most 300000 per primary) and of the
-// report's mean and target triangles, encoded as PNG; CommandError (exit
+// The gamut plot of the LEDs' chromaticities (MeasureScreen's sample) and of
+// the report's mean and target triangles, encoded as PNG; CommandError (exit
 // status 4) when OpenCV cannot encode it.
-std::string GamutPlotPng(const Meters& meters, const CalibrationReport& report);
+std::string GamutPlotPng(const std::array<std::vector<cv::Point2f>, kPrimaryCount>& leds,
+                        const CalibrationReport& report);
 
 }  // namespace tool
 }  // namespace aimhue

@@ -207,7 +207,7 @@ open("capture.shot", "wb").write(shot)
 PY
 expect 0 "$aimhue" inspect capture.shot
 contains out.txt "CIE_Y"
-contains out.txt "2 x 3 16U: min 0, max 65535, mean 10924.167"
+contains out.txt "2 x 3 CV_16UC1: min 0, max 65535, mean 10924.167"
 contains out.txt "color: 2"
 printf 'L\002\000\000\000' >old.shot
 expect 3 "$aimhue" inspect old.shot
