@@ -7,6 +7,8 @@
 #include <aimhue/api.h>
 #include <aimhue/bimage.h>
 #include <aimhue/bio.h>
+#include <aimhue/colorimetry.h>
+#include <aimhue/correction.h>
 #include <aimhue/export.h>
 #include <aimhue/led_meter.h>
 #include <aimhue/led_set.h>
