@@ -8,6 +8,7 @@
 #include "calibration.h"
 #include "command_error.h"
 #include "commands.h"
+#include "correction_run.h"
 #include "output_files.h"
 
 namespace aimhue {
@@ -48,6 +49,7 @@ int RunDemo(const DemoOptions& options) {
   WriteJsonFile(json_file, CalibrationReportJson(report));
   PrintCalibrationReport(std::cout, report);
   CheckTargetsFinite(report);
+  CorrectDemoScreen(meters, report.targets, report.source, options.out, std::cout);
   return kExitOk;
 }
 
@@ -62,7 +64,9 @@ void AddDemoCommand(CLI::App& app, int& exit_status) {
       " of chromaticity and luminance, a few outlier LEDs and three dead LEDs, all from one"
       " seed), repairs the dead LEDs, runs the library's whole calling order (target search,"
       " interpolation fractions, white point, coverage, NG limit and judgement), prints the"
-      " report and writes result.aimhue, report.json and gamut.png into the output directory.");
+      " report and writes result.aimhue, report.json and gamut.png into the output directory."
+      " Then corrects every LED to the targets, prints the correction's report and writes"
+      " correction.corr and the map correction_map.png.");
   command->add_option("--size", options->size, "Screen size in LEDs, WIDTHxHEIGHT.")
       ->capture_default_str()
       ->type_name("WxH");
@@ -78,7 +82,8 @@ void AddDemoCommand(CLI::App& app, int& exit_status) {
   command->footer(
       "Examples:\n"
       "  aimhue demo\n"
-      "  aimhue demo --size 320x180 --seed 7 --out /tmp/demo --white D93\n\n"
+      "  aimhue demo --size 320x180 --seed 7 --out /tmp/demo --white D93\n"
+      "  aimhue demo --white 6500K\n\n"
       "Exit status:\n"
       "  0  the screen was calibrated and the files written\n"
       "  2  a bad option value\n"

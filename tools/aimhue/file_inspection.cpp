@@ -10,6 +10,7 @@
 #include <initializer_list>
 
 #include "command_error.h"
+#include "correction_inspection.h"
 #include "engine_handle.h"
 
 namespace aimhue {
@@ -248,8 +249,9 @@ ReportJson InspectFile(const std::string& file) {
   if (EndsWith(file, ".aimhue")) return InspectResults(file);
   if (EndsWith(file, ".meter")) return InspectMeter(file);
   if (EndsWith(file, ".shot")) return InspectShot(file);
-  throw CommandError(kExitUsage, "unknown kind of file: expected a name ending in .aimhue, .meter"
-                                 " or .shot");
+  if (EndsWith(file, ".corr")) return InspectCorrection(file, std::nullopt);
+  throw CommandError(kExitUsage, "unknown kind of file: expected a name ending in .aimhue, .meter,"
+                                 " .shot or .corr");
 }
 
 void PrintInspection(std::ostream& out, const ReportJson& inspection) {
@@ -259,6 +261,8 @@ void PrintInspection(std::ostream& out, const ReportJson& inspection) {
     PrintResults(out, inspection);
   } else if (kind == "meter") {
     PrintMeter(out, inspection);
+  } else if (kind == "corr" || kind == "corr-led") {
+    PrintCorrectionInspection(out, inspection);
   } else {
     PrintShot(out, inspection);
   }
