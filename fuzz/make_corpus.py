@@ -11,6 +11,7 @@ import struct
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "corpus")
 END_TAG = 0xFFFFFFFF
 CV_8UC1, CV_16UC1, CV_32FC1, CV_32FC2, CV_64FC1, CV_8UC3 = 0, 2, 5, 13, 6, 16
+CV_32FC4, CV_32FC9 = 29, 69
 
 
 def words(*values):
@@ -28,6 +29,21 @@ def floats(*values):
 def meter(color, mtype, state, pos, chroma, records=b"", end=True):
     body = b"L" + words(1, color, mtype) + state + pos + chroma + records
     return body + (words(END_TAG) if end else b"")
+
+
+def correction(rows, cols, mode=0, bits=0, end=True):
+    leds = rows * cols
+    header = b"L" + words(1) + floats(0.75) + floats(*[0.1 * (i + 1) for i in range(12)])
+    header += floats(0.999) + struct.pack("<2i", mode, bits)
+    if leds == 0:
+        planes = block(0, 0, 0, 0) * 5
+    else:
+        planes = (block(rows, cols, CV_32FC9, 9, floats(*[0.5] * (9 * leds))) +
+                  block(rows, cols, CV_8UC1, 1, bytes([0, 1, 64, 8, 128, 2][:leds] * (leds // 6 + 1))[:leds]) +
+                  block(rows, cols, CV_32FC1, 1, floats(*[1.0] * leds)) +
+                  block(rows, cols, CV_32FC4, 4, floats(*[2.5] * (4 * leds))) +
+                  block(rows, cols, CV_32FC4, 4, floats(*[0.5] * (4 * leds))))
+    return header + planes + (words(END_TAG) if end else b"")
 
 
 def write(target, name, data):
@@ -61,6 +77,11 @@ def main():
     write("engine_buffer_fuzz", "searched", searched)
     write("engine_buffer_fuzz", "short", fresh[:100])
     write("engine_buffer_fuzz", "version_2", b"L" + words(2) + fresh[5:])
+
+    write("correction_buffer_fuzz", "chroma_2x3", correction(2, 3))
+    write("correction_buffer_fuzz", "brightness_12bit_1x1", correction(1, 1, mode=1, bits=12))
+    write("correction_buffer_fuzz", "empty_record", correction(0, 0))
+    write("correction_buffer_fuzz", "no_end_tag", correction(1, 2, end=False))
 
     write("matrix_block_fuzz", "u8c3_2x2", block(2, 2, CV_8UC3, 3, bytes(range(12))))
     write("matrix_block_fuzz", "f32_2x3", chroma23)

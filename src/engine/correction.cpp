@@ -41,8 +41,8 @@ struct MeterGrid {
   const LedMeter* meters[9];
 };
 
-int CheckMeters(const TargetLxy targets[4], const LedMeter* const* triples[3], const Correction* out,
-                MeterGrid& grid) {
+int CheckMeters(const TargetLxy targets[4], const LedMeter* const* triples[3],
+                const Correction* out, MeterGrid& grid) {
   if (targets == nullptr || out == nullptr) return Refuse(kNullInput, "input is nullptr");
   for (int emitter = 0; emitter < 3; ++emitter) {
     if (triples[emitter] == nullptr) return Refuse(kNullInput, "meter triple is nullptr");
@@ -106,7 +106,8 @@ struct RowInputs {
   RowInputs(const MeterGrid& grid, int row) {
     for (int i = 0; i < 9; ++i) {
       values[i] = grid.meters[i]->chroma.ptr<float>(row);
-      if (!grid.meters[i]->state.empty()) states[stateCount++] = grid.meters[i]->state.ptr<uint8_t>(row);
+      if (!grid.meters[i]->state.empty())
+        states[stateCount++] = grid.meters[i]->state.ptr<uint8_t>(row);
     }
   }
 
@@ -160,9 +161,7 @@ void Medians(const MeterGrid& grid, const cv::Mat& flags, std::vector<double>& s
   }
 }
 
-cv::Vec3d Column(const Matrix3& m, int column) {
-  return {m[column], m[3 + column], m[6 + column]};
-}
+cv::Vec3d Column(const Matrix3& m, int column) { return {m[column], m[3 + column], m[6 + column]}; }
 
 cv::Vec3d RowSums(const Matrix3& m) {
   return {m[0] + m[1] + m[2], m[3] + m[4] + m[5], m[6] + m[7] + m[8]};
@@ -174,7 +173,8 @@ struct LabReference {
   cv::Vec3d white;
   cv::Vec3d lab[4];
 
-  LabReference(const cv::Vec3d primaries[3], const cv::Vec3d& referenceWhite) : white(referenceWhite) {
+  LabReference(const cv::Vec3d primaries[3], const cv::Vec3d& referenceWhite)
+      : white(referenceWhite) {
     for (int j = 0; j < 3; ++j) lab[j] = XyzToLab(primaries[j], white);
     lab[3] = XyzToLab(white, white);
   }
@@ -310,7 +310,8 @@ int Compute(const TargetLxy targets[4], const MeterGrid& grid, const CorrectionS
   std::vector<double> scratch;
   scratch.reserve(static_cast<size_t>(size.area()));
   SolvePass(grid, pass.t, settings.mode, result.flags, scratch);
-  if (scratch.empty()) return Refuse(kEmptyInput, "no LED left to correct: all dead, not finite or singular");
+  if (scratch.empty())
+    return Refuse(kEmptyInput, "no LED left to correct: all dead, not finite or singular");
   pass.scale = QuantileScale(scratch, settings.quantile);
 
   cv::Vec3d medians[4];

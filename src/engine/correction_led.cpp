@@ -49,7 +49,8 @@ Matrix3 TargetMatrix(const TargetLxy targets[4]) {
 bool IsSingular(const Matrix3& m) {
   Matrix3 adj;
   const double det = Adjugate(m, adj);
-  return !(std::fabs(det) > kSingularRatio * ColumnNorm(m, 0) * ColumnNorm(m, 1) * ColumnNorm(m, 2));
+  return !(std::fabs(det) >
+           kSingularRatio * ColumnNorm(m, 0) * ColumnNorm(m, 1) * ColumnNorm(m, 2));
 }
 
 uint8_t SkipFlag(const Matrix3& m) {

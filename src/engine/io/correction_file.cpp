@@ -137,10 +137,9 @@ int Correction::Load(const std::string& fullname) {
   constexpr char kWho[] = "Correction::Load";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    return LoadFormatFile(kWho, fullname, kCorrectionExtension,
-                          [&](const char* data, size_t size) {
-                            return Parse(kWho, data, size, *this);
-                          });
+    return LoadFormatFile(kWho, fullname, kCorrectionExtension, [&](const char* data, size_t size) {
+      return Parse(kWho, data, size, *this);
+    });
   });
 }
 
