@@ -64,6 +64,8 @@ int Parse(const char* who, const char* data, size_t size, Aimhue& engine) {
   complete = complete && in.ReadF32(loaded.ngLimit) && ReadBlock(in, loaded.target) &&
              ReadBlock(in, loaded.searchEnd) && ReadBlock(in, loaded.searchStart);
   if (!complete) return DataError(who);
+  // The outlier counts belong to a search of this session, not to the image.
+  loaded.outliers = Aimhue().outliers;
   engine = loaded;
   return kOk;
 }
