@@ -162,6 +162,26 @@ CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
                 "the interpolation fractions were refused");
     before_white = GetTargets(handle.get());
   });
+  if (settings.gamut) {
+    report.gamut = settings.gamut->name;
+    Timed(timings, "standard gamut", [&] {
+      // The standard's chromaticities at the searched luminances; the white
+      // point step then balances those luminances to the wanted white.
+      const StandardGamut& gamut = *settings.gamut;
+      const float* xy[3] = {gamut.red, gamut.green, gamut.blue};
+      float block[12];
+      for (int p = 0; p < 3; ++p) {
+        block[3 * p] = before_white[p].L;
+        block[3 * p + 1] = xy[p][0];
+        block[3 * p + 2] = xy[p][1];
+      }
+      block[9] = before_white[3].L;
+      block[10] = settings.white.x;
+      block[11] = settings.white.y;
+      CheckStatus(AimhueSetTargets(handle.get(), block), "the standard gamut's targets were refused");
+      before_white = GetTargets(handle.get());
+    });
+  }
   Timed(timings, "white point", [&] {
     const TargetLxy white{0.0f, settings.white.x, settings.white.y};
     CheckStatus(AimhueCalcWhite(handle.get(), settings.scale, &white, settings.uncapped ? 1 : 0),

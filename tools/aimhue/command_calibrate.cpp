@@ -57,7 +57,7 @@ void AddCalibrateCommand(CLI::App& app, int& exit_status) {
       " file and prints the report; optionally writes it as JSON and draws the gamut plot.");
   AddMeterFileOptions(*command, options->meters);
   AddCalibrationOptions(*command, options->calibration);
-  //GAMUT AddGamutOption(*command, options->calibration);
+  AddGamutOption(*command, options->calibration);
   command->add_option("-o,--output", options->result, "Result file for the engine's results;"
                                                       " the name must end in .aimhue.")
       ->capture_default_str()

@@ -314,6 +314,21 @@ expect 2 "$aimhue" demo --size 32x24 --white 3999K --out kelvin
 contains err.txt "4000K to 25000K"
 expect 0 "$aimhue" calibrate --help
 contains out.txt "6500K is not D65"
+# shellcheck disable=SC2046
+expect 0 "$aimhue" calibrate $(meters meters) -o rec709.aimhue --gamut rec709 --json rec709.json
+contains out.txt "can show the whole Rec.709 gamut"
+"$python" - rec709.json <<'PY' || fail "--gamut rec709"
+import json, sys
+report = json.load(open(sys.argv[1]))
+targets = report["targets"]
+assert (targets["red"]["x"], targets["red"]["y"]) == (0.64, 0.33)
+assert (targets["green"]["x"], targets["blue"]["y"]) == (0.3, 0.06)
+assert report["settings"]["white"]["name"] == "D65" and report["settings"]["gamut"] == "Rec.709"
+assert 0.0 <= report["coverage"]["all"] <= 1.0
+PY
+# shellcheck disable=SC2046
+expect 2 "$aimhue" calibrate $(meters meters) --gamut srgb
+
 # --- bad and missing files -----------------------------------------------------
 printf 'B\001\000\000\000' >bad.meter
 expect 3 "$aimhue" inspect bad.meter meters/red_X.meter
