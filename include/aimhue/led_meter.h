@@ -42,7 +42,8 @@ enum MeterCheck : uint32_t {
   kCheckLayerNormsSame = 0x80000,
   // The checks of the chromaticity combination: present, chroma not empty,
   // same chroma size, valid types, pairwise different types, same colour.
-  kCheckForCombine = 0x257,
+  kCheckForCombine = kCheckNotNull | kCheckChromaNotEmpty | kCheckChromaSizeSame |
+                     kCheckTypeValid | kCheckTypeDifferent | kCheckColorSame,
 };
 
 class AIMHUE_EXPORT LedMeter {

@@ -2,6 +2,7 @@
 #include <aimhue/plume_log.h>
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
+#include <aimhue/target.h>
 
 #include <vector>
 
@@ -37,9 +38,9 @@ cv::Mat ColourPicture(const Shot& shot) {
     const cv::Mat zero = cv::Mat::zeros(grey.size(), grey.type());
     // Channels in the writer's blue, green, red order, bit k of the colour
     // code lighting channel k.
-    const std::vector<cv::Mat> channels = {(*shot.color & 1) ? grey : zero,
-                                           (*shot.color & 2) ? grey : zero,
-                                           (*shot.color & 4) ? grey : zero};
+    const std::vector<cv::Mat> channels = {(*shot.color & kRed) ? grey : zero,
+                                           (*shot.color & kGreen) ? grey : zero,
+                                           (*shot.color & kBlue) ? grey : zero};
     cv::Mat picture;
     cv::merge(channels, picture);
     return picture;

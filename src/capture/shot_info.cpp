@@ -45,11 +45,10 @@ void Shot::Info() const {
     PlumeLogDebug("    capture.microfocus     = %d", capture->microfocus);
     PlumeLogDebug("    capture.filter         = %d", capture->filter);
   }
-  const int flags = image.flags;
   PlumeLogDebug("    type                   = 0x%x", type);
-  PlumeLogDebug("    image.type(cv)         = %d", flags & 0xfff);
-  PlumeLogDebug("    image.depth(cv)        = %d", flags & 7);
-  PlumeLogDebug("    image.channels(cv)     = %d", ((flags >> 3) & 0x1ff) + 1);
+  PlumeLogDebug("    image.type(cv)         = %d", image.type());
+  PlumeLogDebug("    image.depth(cv)        = %d", image.depth());
+  PlumeLogDebug("    image.channels(cv)     = %d", image.channels());
   PlumeLogDebug("    image.wh(cv)           = [%d %d]", image.cols, image.rows);
 }
 

@@ -3,6 +3,7 @@
 #include <aimhue/plume_log.h>
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
+#include <aimhue/target.h>
 
 #include <cstring>
 #include <vector>
@@ -14,6 +15,26 @@ namespace {
 
 constexpr int kFullTurn = 360;
 constexpr char kPointLocatorName[] = "custom :: ForPointLocator";
+
+}  // namespace
+
+namespace {
+
+// The plane ConvertColorSpace keeps for a CIE type: the X, Y or Z channel of
+// the converted image, or (CIE_XYZ) the three-channel image itself, which
+// follows the three channels.
+size_t CiePlaneIndex(uint32_t cieType) {
+  switch (cieType) {
+    case CIE_X:
+      return 0;
+    case CIE_Y:
+      return 1;
+    case CIE_Z:
+      return 2;
+    default:
+      return 3;
+  }
+}
 
 }  // namespace
 
@@ -61,7 +82,7 @@ int Shot::ConvertColorSpace(uint32_t in_cie_type, const cv::Mat& in_color_trans)
   std::vector<cv::Mat> entries;
   cv::split(converted, entries);
   entries.push_back(converted);
-  image = entries[in_cie_type / 2];
+  image = entries[CiePlaneIndex(in_cie_type)];
   type = in_cie_type;
   return kOk;
 }
@@ -186,7 +207,7 @@ int Shot::SetForPointLocator(int cam_type, const int screen_wh[2], const int int
     }
   }
   SetLedPanel(LedPanel{1, 4, 0, 1, 1, -1.0f});
-  return SetColor(2);
+  return SetColor(kGreen);
 }
 
 }  // namespace aimhue

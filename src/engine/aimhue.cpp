@@ -48,7 +48,7 @@ int Aimhue::SetPercentCalcChroma(Fractions fractions) {
   PlumeLogInfo("Aimhue::SetPercentCalcChroma");
   if (!AllInFractionRange(fractions)) return kOutOfRange;
   percentCalcChroma = fractions;
-  for (int primary = 0; primary < 3; ++primary) {
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     const TargetLxy& start = searchStart[primary];
     const TargetLxy& end = searchEnd[primary];
     target[primary].L = start.L;

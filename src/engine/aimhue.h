@@ -21,10 +21,10 @@ using Fractions = std::array<float, 4>;        // red, green, blue, fourth/all
 
 // Positions of the points in a target block (and of the primaries' rows
 // wherever the engine keeps one row per primary).
-constexpr int kRedTarget = 0;
-constexpr int kGreenTarget = 1;
-constexpr int kBlueTarget = 2;
-constexpr int kWhiteTarget = 3;
+constexpr int kRedTarget = kRedPoint;
+constexpr int kGreenTarget = kGreenPoint;
+constexpr int kBlueTarget = kBluePoint;
+constexpr int kWhiteTarget = kWhitePoint;
 
 // Plain record, no base class and no virtual operations. Field order is the
 // order of creation and of the persisted image.

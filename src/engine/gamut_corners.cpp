@@ -206,9 +206,9 @@ cv::Mat RegionImage(const cv::Mat& mask, const ChromaLxy& red, const ChromaLxy& 
   WallCounter counter;
   // The mean outline first, red-green, red-blue, green-blue; an edge with an
   // end that is not a raster point is left out.
-  RasterPoint meanPoints[3];
-  bool meanDrawable[3];
-  for (int primary = 0; primary < 3; ++primary) {
+  RasterPoint meanPoints[kPrimaryCount];
+  bool meanDrawable[kPrimaryCount];
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     meanPoints[primary] = RasterPoint{-1, -1};
     meanDrawable[primary] =
         ToRasterPoint(means[primary].x, means[primary].y, meanPoints[primary]);
@@ -279,7 +279,7 @@ void CornersFromRegion(cv::Mat& region, TargetBlock& corners) {
                   cv::Scalar(), 4);
     ScanCorners(region, kSeedMark, box, found);
   }
-  for (int primary = 0; primary < 3; ++primary) {
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     corners[primary].x = found[2 * primary] / kRasterScale;
     corners[primary].y = found[2 * primary + 1] / kRasterScale;
   }

@@ -133,7 +133,7 @@ cv::Mat OutlierMaskSigma(const Aimhue& handle, const ChromaLxy& red, const Chrom
                          const ChromaLxy& blue, const TargetBlock& means) {
   const std::array<cv::Mat, 3> distances = Distances(red, green, blue, means);
   std::array<double, 3> thresholds;
-  for (int primary = 0; primary < 3; ++primary) {
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     cv::Scalar mean;
     cv::Scalar deviation;
     cv::meanStdDev(distances[primary], mean, deviation);

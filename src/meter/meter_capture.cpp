@@ -11,8 +11,9 @@ namespace aimhue {
 namespace {
 
 // The shot tests asked of every capture: present, single-channel type,
-// colour and pattern known. The top bit names no test.
-constexpr uint32_t kCaptureShotChecks = 0x01010105;
+// colour and pattern known.
+constexpr uint32_t kCaptureShotChecks =
+    kShotCheckNotNull | kShotCheckSingleChannel | kShotCheckHasColor | kShotCheckHasPattern;
 
 bool SetIsEmpty(const LedSet& set) { return set.state.empty() || set.data.empty(); }
 

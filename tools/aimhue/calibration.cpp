@@ -4,10 +4,14 @@
 #include <aimhue/api.h>
 
 #include <cmath>
+#include <iostream>
 
 #include "command_error.h"
 #include "coverage_count.h"
 #include "engine_handle.h"
+#include "measurement_check.h"
+#include "output_files.h"
+#include "output_transaction.h"
 
 namespace aimhue {
 namespace tool {
@@ -17,18 +21,24 @@ namespace {
 bool InUnitRange(float value) { return value > 0.0f && value <= 1.0f; }
 
 std::array<float, 4> ParseFractions(const std::string& text, const char* option) {
-  const auto values = ParseFloatList(text, 4);
-  if (!values) {
+  const std::vector<std::string> parts = SplitList(text);
+  if (parts.size() != 4) {
     throw CommandError(kExitUsage, std::string(option) + ": expected four numbers separated by"
                                                         " commas, got '" + text + "'");
   }
   std::array<float, 4> fractions{};
   for (std::size_t i = 0; i < 4; ++i) {
-    if (!InUnitRange((*values)[i])) {
-      throw CommandError(kExitUsage, std::string(option) + ": each value must lie in (0, 1], got '" +
-                                         text + "'");
+    const auto value = ParseFloat(parts[i]);
+    if (!value || !InUnitRange(*value)) {
+      // Say which value is wrong, and whether it is a number at all: "1e-40"
+      // is a number that no 32-bit float in (0, 1] represents.
+      throw CommandError(kExitUsage, std::string(option) + ": value " + std::to_string(i + 1) +
+                                         " of 4, '" + parts[i] + "', " +
+                                         (IsDecimalNumber(parts[i]) ? "is out of range"
+                                                                    : "is not a number") +
+                                         ": each value must lie in (0, 1]");
     }
-    fractions[i] = (*values)[i];
+    fractions[i] = *value;
   }
   return fractions;
 }
@@ -130,9 +140,10 @@ CalibrationSettings ParseCalibrationSettings(const CalibrationOptionText& text) 
   return settings;
 }
 
-CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
-                            const std::string& result_file) {
-  CalibrationReport report;
+Calibration Calibrate(Meters& meters, const CalibrationSettings& settings) {
+  Calibration calibration{CreateHandle(), {}};
+  CalibrationReport& report = calibration.report;
+  const Handle& handle = calibration.handle;
   report.screen = MeterScreen(meters);
   report.percentEnd = settings.percentEnd;
   report.fractions = settings.fractions;
@@ -143,8 +154,8 @@ CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
   std::vector<TimedStep>& timings = report.timings;
 
   Timed(timings, "dead LEDs", [&] { report.dead = HandleDeadLeds(meters, !settings.keepDead); });
+  WarnImplausibleMeters(meters);
 
-  Handle handle = CreateHandle();
   CheckStatus(AimhueSetNGThresh(handle.get(), settings.ngThresh), "--ng-thresh refused");
   CheckStatus(AimhueSetPercentEnd(handle.get(), settings.percentEnd.data()),
               "--percent-end refused");
@@ -210,21 +221,15 @@ CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
   report.searchStart = image.searchStart;
   report.searchEnd = image.searchEnd;
   report.ngLimit = image.ngLimit;
-  if (!result_file.empty()) {
-    Timed(timings, "save", [&] {
-      CheckStatus(AimhueSave(handle.get(), result_file.c_str()),
-                  "cannot save the results '" + result_file + "'", kExitOutput);
-    });
-  }
-  return report;
+  return calibration;
 }
 
-void CheckTargetsFinite(const CalibrationReport& report) {
-  for (const TargetLxy& target : report.targets) {
-    if (std::isfinite(target.L) && std::isfinite(target.x) && std::isfinite(target.y)) continue;
+void CheckCalibration(const CalibrationReport& report) {
+  const bool usable = TargetsFinite(report.targets) && std::isfinite(report.ngLimit);
+  if (!usable) {
     const auto& dead = report.dead.remaining;
     throw CommandError(kExitLibrary,
-                       "the targets are not finite" +
+                       "the targets or the NG limit are not finite; nothing was written" +
                            (dead[0] + dead[1] + dead[2] > 0
                                 ? " (dead LEDs without chromaticity were searched: red " +
                                       std::to_string(dead[0]) + ", green " +
@@ -232,6 +237,29 @@ void CheckTargetsFinite(const CalibrationReport& report) {
                                       std::to_string(dead[2]) + ")"
                                 : std::string()));
   }
+}
+
+void WriteCalibrationOutputs(Calibration& calibration, const Meters& meters,
+                             const CalibrationOutputs& files) {
+  CalibrationReport& report = calibration.report;
+  try {
+    CheckCalibration(report);
+  } catch (const CommandError&) {
+    PrintCalibrationReport(std::cout, report);
+    throw;
+  }
+  OutputTransaction outputs;
+  if (!files.result.empty()) outputs.Add(files.result, EngineFileBytes(calibration.handle.get()));
+  if (!files.plot.empty()) {
+    Timed(report.timings, "gamut plot",
+          [&] { outputs.Add(files.plot, GamutPlotPng(meters, report)); });
+  }
+  report.outputs = outputs.Targets();
+  if (!files.json.empty()) {
+    report.outputs.push_back(files.json);
+    outputs.Add(files.json, JsonText(CalibrationReportJson(report)));
+  }
+  outputs.Commit();
 }
 
 }  // namespace tool

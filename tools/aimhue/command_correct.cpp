@@ -112,6 +112,7 @@ int RunCorrect(const CorrectOptions& options) {
   report.targetsFile = options.targets;
   report.panel = panel ? *panel : MeterPanelSize(meters);
   report.timings = timings;
+  meters = Meters{};  // every figure is taken: the outputs need the memory more
   try {
     CheckTargetsReachable(correction);
   } catch (const CommandError&) {
@@ -119,10 +120,9 @@ int RunCorrect(const CorrectOptions& options) {
     throw;
   }
 
-  StagedOutputs outputs;
+  OutputTransaction outputs;
+  report.outputs.push_back(options.output);
   Timed(report.timings, "outputs", [&] {
-    WriteCorrectionFile(outputs, options.output, correction);
-    report.outputs.push_back(options.output);
     if (!options.map.empty()) {
       WriteMap(outputs, options.map,
                DrawMapOf(correction, report, "aimhue correction map - " + report.source));
@@ -133,7 +133,7 @@ int RunCorrect(const CorrectOptions& options) {
       WritePanelCsv(csv, PanelRows(correction.flags, correction.gain, correction.deltaEBefore,
                                    correction.deltaEAfter,
                                    report.panel.cols > 0 ? report.panel : report.screen));
-      WriteTextFile(outputs, options.panels, "panel table", csv.str());
+      outputs.Add(options.panels, csv.str());
       report.outputs.push_back(options.panels);
     }
     if (!options.exportDirectory.empty()) {
@@ -147,10 +147,13 @@ int RunCorrect(const CorrectOptions& options) {
       }
       report.outputs.push_back(options.exportDirectory + "/ (11 TIFF planes)");
     }
+    // Last: its content is the largest, and is held in memory only while
+    // it is written out.
+    WriteCorrectionFile(outputs, options.output, correction);
   });
   if (!options.json.empty()) {
     report.outputs.push_back(options.json);
-    WriteTextFile(outputs, options.json, "JSON report", CorrectionReportJson(report).dump(2) + "\n");
+    outputs.Add(options.json, JsonText(CorrectionReportJson(report)));
   }
   outputs.Commit();
   PrintCorrectionReport(std::cout, report);

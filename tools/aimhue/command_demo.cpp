@@ -9,7 +9,6 @@
 #include "command_error.h"
 #include "commands.h"
 #include "correction_run.h"
-#include "output_files.h"
 
 namespace aimhue {
 namespace tool {
@@ -40,15 +39,13 @@ int RunDemo(const DemoOptions& options) {
     screen.seed = options.seed;
     meters = synthetic::GenerateMeters(screen);
   });
-  CalibrationReport report = Calibrate(meters, settings, result_file);
+  Calibration calibration = Calibrate(meters, settings);
+  CalibrationReport& report = calibration.report;
   report.source = "synthetic screen " + std::to_string(size.cols) + " x " +
                   std::to_string(size.rows) + ", seed " + std::to_string(options.seed);
   report.timings.insert(report.timings.begin(), generation.begin(), generation.end());
-  Timed(report.timings, "gamut plot", [&] { WriteGamutPlot(plot_file, meters, report); });
-  report.outputs = {result_file, json_file, plot_file};
-  WriteJsonFile(json_file, CalibrationReportJson(report));
+  WriteCalibrationOutputs(calibration, meters, {result_file, plot_file, json_file});
   PrintCalibrationReport(std::cout, report);
-  CheckTargetsFinite(report);
   CorrectDemoScreen(meters, report.targets, report.source, options.out, std::cout);
   return kExitOk;
 }

@@ -8,6 +8,7 @@
 #include "commands.h"
 #include "correction_inspection.h"
 #include "file_inspection.h"
+#include "output_files.h"
 
 namespace aimhue {
 namespace tool {
@@ -51,7 +52,7 @@ int RunInspect(const InspectOptions& options) {
       if (options.json) all.push_back({{"file", file}, {"error", error.what()}});
     }
   }
-  if (options.json) std::cout << all.dump(2) << "\n";
+  if (options.json) std::cout << JsonText(all);
   return exit_status;
 }
 

@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -123,7 +122,7 @@ void CorrectDemoScreen(const Meters& meters, const TargetBlock& targets, const s
   report.timings = timings;
   const std::string corr_file = (std::filesystem::path(folder) / "correction.corr").string();
   const std::string map_file = (std::filesystem::path(folder) / "correction_map.png").string();
-  StagedOutputs outputs;
+  OutputTransaction outputs;
   Timed(report.timings, "outputs", [&] {
     WriteCorrectionFile(outputs, corr_file, correction);
     WriteMap(outputs, map_file, DrawMapOf(correction, report, "aimhue correction map - " + source));
@@ -134,36 +133,37 @@ void CorrectDemoScreen(const Meters& meters, const TargetBlock& targets, const s
   PrintCorrectionReport(out, report);
 }
 
-void WriteMap(StagedOutputs& outputs, const std::string& target, const cv::Mat& map) {
+void WriteMap(OutputTransaction& outputs, const std::string& target, const cv::Mat& map) {
   constexpr int kHardestPngCompression = 9;
   WriteImage(outputs, target, map, "correction map",
              {cv::IMWRITE_PNG_COMPRESSION, kHardestPngCompression});
 }
 
-void WriteImage(StagedOutputs& outputs, const std::string& target, const cv::Mat& image,
+void WriteImage(OutputTransaction& outputs, const std::string& target, const cv::Mat& image,
                 const char* what, const std::vector<int>& parameters) {
   bool written = false;
+  std::vector<uint8_t> bytes;
   try {
-    written = cv::imwrite(outputs.Stage(target), image, parameters);
+    written = cv::imencode(std::filesystem::path(target).extension().string(), image, bytes,
+                           parameters);
   } catch (const cv::Exception&) {
     written = false;  // an unknown extension: OpenCV throws instead of returning false
   }
-  if (!written) throw CommandError(kExitOutput, std::string("cannot write the ") + what + " '" + target + "'");
+  if (!written) {
+    throw CommandError(kExitOutput, std::string("cannot encode the ") + what + " '" + target + "'");
+  }
+  outputs.Add(target, reinterpret_cast<const char*>(bytes.data()), bytes.size());
 }
 
-void WriteCorrectionFile(StagedOutputs& outputs, const std::string& target,
+void WriteCorrectionFile(OutputTransaction& outputs, const std::string& target,
                          const Correction& correction) {
-  CheckStatus(correction.Save(outputs.Stage(target)),
-              "cannot save the correction '" + target + "'", kExitOutput);
+  uint64_t size = 0;
+  CheckStatus(correction.GetBufferSize(&size), "cannot store the correction");
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  CheckStatus(correction.ToBuffer(bytes.data(), &size), "cannot store the correction");
+  outputs.Add(target, bytes.data(), static_cast<std::size_t>(size));
 }
 
-void WriteTextFile(StagedOutputs& outputs, const std::string& target, const char* what,
-                   const std::string& text) {
-  std::ofstream out(outputs.Stage(target), std::ios::binary | std::ios::trunc);
-  out << text;
-  out.close();
-  if (!out) throw CommandError(kExitOutput, std::string("cannot write the ") + what + " '" + target + "'");
-}
 
 }  // namespace tool
 }  // namespace aimhue

@@ -14,7 +14,7 @@
 
 #include "correction_report.h"
 #include "meter_set.h"
-#include "staged_outputs.h"
+#include "output_transaction.h"
 
 namespace aimhue {
 namespace tool {
@@ -40,18 +40,19 @@ ScreenSize MeterPanelSize(const Meters& meters);
 cv::Mat DrawMapOf(const Correction& correction, const CorrectionReport& report,
                   const std::string& title);
 
-// Writes the map as a PNG under a staged name, compressed hard: its noisy
-// "before" view is large otherwise. Exit status 4 on failure.
-void WriteMap(StagedOutputs& outputs, const std::string& target, const cv::Mat& map);
+// Adds the map as a PNG, compressed hard: its noisy "before" view is large
+// otherwise. Exit status 4 on failure.
+void WriteMap(OutputTransaction& outputs, const std::string& target, const cv::Mat& map);
 
-// Writes a picture with OpenCV under a staged name, with OpenCV's writer
-// `parameters`; CommandError (exit status 4) naming `target` when it cannot
-// be written.
-void WriteImage(StagedOutputs& outputs, const std::string& target, const cv::Mat& image,
+// Encodes a picture with OpenCV, in the format of the target's extension
+// and with OpenCV's writer `parameters`, and adds it to the outputs;
+// CommandError (exit status 4) naming `target` when it cannot be encoded.
+void WriteImage(OutputTransaction& outputs, const std::string& target, const cv::Mat& image,
                 const char* what, const std::vector<int>& parameters = {});
 
-// Saves the correction record under a staged name; exit status 4 on failure.
-void WriteCorrectionFile(StagedOutputs& outputs, const std::string& target,
+// Adds the correction record's ".corr" content (Correction::ToBuffer); exit
+// status 3 when the library refuses.
+void WriteCorrectionFile(OutputTransaction& outputs, const std::string& target,
                          const Correction& correction);
 
 // The demo's last step: corrects the calibrated synthetic screen to its
@@ -60,10 +61,6 @@ void WriteCorrectionFile(StagedOutputs& outputs, const std::string& target,
 // worst LEDs) to `out`.
 void CorrectDemoScreen(const Meters& meters, const TargetBlock& targets, const std::string& source,
                        const std::string& folder, std::ostream& out);
-
-// Writes `text` under a staged name; exit status 4 on failure.
-void WriteTextFile(StagedOutputs& outputs, const std::string& target, const char* what,
-                   const std::string& text);
 
 }  // namespace tool
 }  // namespace aimhue

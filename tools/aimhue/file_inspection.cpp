@@ -162,9 +162,61 @@ ReportJson InspectShot(const std::string& file) {
   return json;
 }
 
+// Length of the valid UTF-8 sequence of a printable character at `text`,
+// or 0: control characters (C0, DEL and the C1 range U+0080 to U+009F)
+// and bytes that are not UTF-8 are not printable.
+std::size_t PrintableLength(const unsigned char* text, std::size_t left) {
+  const unsigned char lead = text[0];
+  if (lead >= 0x20 && lead < 0x7f) return 1;
+  std::size_t length = 0;
+  uint32_t code = 0;
+  if (lead >= 0xc2 && lead <= 0xdf) {
+    length = 2;
+    code = lead & 0x1fu;
+  } else if (lead >= 0xe0 && lead <= 0xef) {
+    length = 3;
+    code = lead & 0x0fu;
+  } else if (lead >= 0xf0 && lead <= 0xf4) {
+    length = 4;
+    code = lead & 0x07u;
+  } else {
+    return 0;
+  }
+  if (length > left) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((text[i] & 0xc0u) != 0x80u) return 0;
+    code = code << 6 | (text[i] & 0x3fu);
+  }
+  const uint32_t smallest[5] = {0, 0, 0x80, 0x800, 0x10000};
+  const bool valid = code >= smallest[length] && code <= 0x10ffff &&
+                     !(code >= 0xd800 && code <= 0xdfff) && !(code >= 0x80 && code <= 0x9f);
+  return valid ? length : 0;
+}
+
+// `text` safe for a terminal: every byte that is not part of a printable
+// UTF-8 character becomes \xNN, so a file's stored strings cannot send
+// control sequences.
+std::string Printable(const std::string& text) {
+  std::string printable;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t length = PrintableLength(bytes + i, text.size() - i);
+    if (length > 0) {
+      printable.append(text, i, length);
+      i += length;
+    } else {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\x%02x", bytes[i]);
+      printable += escaped;
+      ++i;
+    }
+  }
+  return printable;
+}
+
 std::string Text(const ReportJson& value) {
   if (value.is_number_float()) return FloatText(value.get<float>());
-  if (value.is_string()) return value.get<std::string>();
+  if (value.is_string()) return Printable(value.get<std::string>());
   return value.dump();
 }
 
@@ -255,7 +307,7 @@ ReportJson InspectFile(const std::string& file) {
 }
 
 void PrintInspection(std::ostream& out, const ReportJson& inspection) {
-  out << inspection["file"].get<std::string>() << "\n";
+  out << Printable(inspection["file"].get<std::string>()) << "\n";
   const std::string kind = inspection["kind"].get<std::string>();
   if (kind == "aimhue") {
     PrintResults(out, inspection);

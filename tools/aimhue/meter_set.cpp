@@ -4,10 +4,12 @@
 #include <aimhue/status.h>
 
 #include <filesystem>
+#include <iostream>
 
 #include <opencv2/core.hpp>
 
 #include "command_error.h"
+#include "measurement_check.h"
 
 namespace aimhue {
 namespace tool {
@@ -36,7 +38,30 @@ void MarkDead(LedMeter& meter, const cv::Mat& dead) {
   marked.copyTo(meter.state, dead);
 }
 
+const char* const kPrimaryNames[3] = {"red", "green", "blue"};
+const char* const kAxisNames[3] = {"X", "Y", "Z"};
+
+// "the green primary's Y meter", or the codes when they name no primary or
+// axis.
+std::string DescribeMeter(uint32_t color, uint32_t type) {
+  std::string primary = "colour " + std::to_string(color);
+  std::string axis = "type " + std::to_string(type);
+  for (int i = 0; i < 3; ++i) {
+    if (color == 1u << i) primary = std::string("the ") + kPrimaryNames[i] + " primary's";
+    if (type == 1u << i) axis = std::string(kAxisNames[i]) + " meter";
+  }
+  return primary + " " + axis;
+}
+
 }  // namespace
+
+void CheckMeterRole(const LedMeter& meter, const std::string& file, int primary, int axis) {
+  const uint32_t color = 1u << primary;  // the colour codes 1, 2, 4 of red, green, blue
+  const uint32_t type = 1u << axis;      // CIE_X, CIE_Y, CIE_Z
+  if (meter.color == color && meter.type == type) return;
+  throw CommandError(kExitLibrary, "'" + file + "' was given as " + DescribeMeter(color, type) +
+                                       " but holds " + DescribeMeter(meter.color, meter.type));
+}
 
 MeterTriple Triple(const Meters& meters, int primary) {
   MeterTriple triple;
@@ -49,6 +74,7 @@ Meters LoadMeters(const MeterFiles& files) {
   for (int p = 0; p < 3; ++p) {
     for (int c = 0; c < 3; ++c) {
       CheckStatus(meters[p][c].Load(files[p][c]), "cannot load meter '" + files[p][c] + "'");
+      CheckMeterRole(meters[p][c], files[p][c], p, c);
     }
   }
   return meters;
@@ -70,6 +96,13 @@ std::string DescribeMeterFiles(const MeterFiles& files) {
   }
   if (!one_folder) return names;
   return "meter files in " + (folder.empty() ? std::string(".") : folder.string());
+}
+
+void WarnImplausibleMeters(const Meters& meters) {
+  for (int p = 0; p < 3; ++p) {
+    WarnImplausibleLeds(std::cerr, "aimhue", kPrimaryNames[p], CountImplausibleLeds(meters[p]),
+                        static_cast<int64_t>(meters[p][0].chroma.total()));
+  }
 }
 
 std::array<int64_t, 3> CountDeadLeds(const Meters& meters) {

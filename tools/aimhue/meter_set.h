@@ -28,8 +28,17 @@ struct MeterTriple {
 };
 MeterTriple Triple(const Meters& meters, int primary);
 
-// Loads the nine files. A library status other than 0 ends the command
-// (CommandError, exit status 3) naming the file.
+// Ends the command (CommandError, exit status 3) unless `meter`, loaded
+// from `file`, holds the colour code of `primary` (0, 1, 2: red, green,
+// blue as 1, 2, 4) and the type of `axis` (0, 1, 2: CIE_X, CIE_Y, CIE_Z).
+// The library takes a triple's roles by position and checks only that the
+// types differ, so swapped X and Y files or another primary's files would
+// otherwise give targets of no use.
+void CheckMeterRole(const LedMeter& meter, const std::string& file, int primary, int axis);
+
+// Loads the nine files and checks each one's role. A library status other
+// than 0 or a meter in the wrong place ends the command (CommandError, exit
+// status 3) naming the file.
 Meters LoadMeters(const MeterFiles& files);
 
 // The LED columns and rows of the red X meter's chroma plane.
@@ -38,6 +47,10 @@ ScreenSize MeterScreen(const Meters& meters);
 // A short description of the files for reports: "meter files in DIR" when
 // the nine share a folder, otherwise their names separated by blanks.
 std::string DescribeMeterFiles(const MeterFiles& files);
+
+// Counts each primary's LEDs with implausible measured values and warns on
+// standard error (WarnImplausibleLeds).
+void WarnImplausibleMeters(const Meters& meters);
 
 // LEDs of each primary whose X, Y and Z are all 0. Such an LED has no
 // chromaticity (0 / 0), and the search would average its NaN into every

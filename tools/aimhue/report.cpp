@@ -76,6 +76,15 @@ std::string FloatText(float value) {
   return std::string(text, result.ptr);
 }
 
+bool TargetsFinite(const TargetBlock& block) {
+  for (const TargetLxy& target : block) {
+    if (!std::isfinite(target.L) || !std::isfinite(target.x) || !std::isfinite(target.y)) {
+      return false;
+    }
+  }
+  return true;
+}
+
 int64_t LedsMissingTargets(const Coverage& coverage, int64_t leds) {
   if (!std::isfinite(coverage.all)) return 0;
   return static_cast<int64_t>(

@@ -38,6 +38,9 @@ std::string FloatText(float value);
 
 using TargetBlock = std::array<TargetLxy, 4>;  // red, green, blue, white
 
+// Whether all twelve values of the block are finite.
+bool TargetsFinite(const TargetBlock& block);
+
 // Dead LEDs (X, Y and Z all 0) per primary, red, green, blue.
 struct DeadLedSummary {
   std::array<int64_t, 3> found{};     // before any repair
