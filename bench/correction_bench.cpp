@@ -19,8 +19,10 @@ namespace {
 
 using aimhue::synthetic::ScreenMeters;
 
-constexpr aimhue::TargetLxy kTargets[4] = {
-    {250.0f, 0.675f, 0.305f}, {750.0f, 0.18f, 0.70f}, {65.0f, 0.145f, 0.062f}, {1065.0f, 0.3127f, 0.329f}};
+constexpr aimhue::TargetLxy kTargets[4] = {{250.0f, 0.675f, 0.305f},
+                                           {750.0f, 0.18f, 0.70f},
+                                           {65.0f, 0.145f, 0.062f},
+                                           {1065.0f, 0.3127f, 0.329f}};
 
 const ScreenMeters& MetersOf(int cols, int rows) {
   static std::map<std::pair<int, int>, std::unique_ptr<ScreenMeters>> screens;
@@ -44,9 +46,9 @@ struct Triples {
 
 void SetPerLed(benchmark::State& state, int64_t leds) {
   state.SetItemsProcessed(state.iterations() * leds);
-  state.counters["per_led"] = benchmark::Counter(
-      static_cast<double>(leds),
-      benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+  state.counters["per_led"] =
+      benchmark::Counter(static_cast<double>(leds), benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
 }
 
 void BM_CalcCorrection(benchmark::State& state) {
@@ -105,8 +107,11 @@ void BM_StreamPlanes(benchmark::State& state) {
 }
 
 BENCHMARK(BM_StreamPlanes)->Args({3840, 2160})->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_CalcCorrection)->ArgNames({"cols", "rows", "bits"})->Args({3840, 2160, 0})
-    ->Args({3840, 2160, 12})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CalcCorrection)
+    ->ArgNames({"cols", "rows", "bits"})
+    ->Args({3840, 2160, 0})
+    ->Args({3840, 2160, 12})
+    ->Unit(benchmark::kMillisecond);
 
 // Prints, after the usual table, each correction's time per LED over the
 // baseline's. With --benchmark_repetitions the fastest run stands for each

@@ -40,8 +40,8 @@
 //     at most a share 1 - q of the LEDs (rounded down) is.
 //  6. Brightness mode: C_i is diagonal, C_i[j][j] = L_j / Y_ij (target
 //     luminance over the LED's own Y of emitter j); an emitter whose own Y
-//     is not positive gets drive 0. Steps 1, 4 and 5 apply; no "clipped"
-//     flag is set.
+//     is not positive gets drive 0. Steps 1, 4, 5, 7 and 8 apply as in chroma
+//     mode; no "clipped" flag is set.
 //  7. Fixed point (bits b in 8..16; 0 keeps floats): each coefficient
 //     becomes the nearest integer n in [0, 2^b - 1] (ties to even), full
 //     scale 1.0 = 2^b - 1. When rounding lets a row's integer sum exceed
@@ -122,14 +122,14 @@ struct CorrectionCounts {
 
 // The result of CalcCorrection; all planes have the screen's rows x cols.
 struct AIMHUE_EXPORT Correction {
-  cv::Mat coeff;         // CV_32FC(9); channel 3k + j = emitter k's drive for input primary j
-  cv::Mat flags;         // CV_8UC1, CorrectionFlag bits
-  cv::Mat gain;          // CV_32FC1: 1, 1 / row sum when dimmed, 0 when skipped
-  cv::Mat deltaEBefore;  // CV_32FC4: red, green, blue, white (CIEDE2000)
-  cv::Mat deltaEAfter;   // CV_32FC4
-  float scale = 0.0f;    // k
-  TargetLxy targets[4] = {};      // the targets with every L times k (white included)
-  CorrectionSettings settings;    // the settings it was computed with
+  cv::Mat coeff;              // CV_32FC(9); channel 3k + j = emitter k's drive for input primary j
+  cv::Mat flags;              // CV_8UC1, CorrectionFlag bits
+  cv::Mat gain;               // CV_32FC1: 1, 1 / row sum when dimmed, 0 when skipped
+  cv::Mat deltaEBefore;       // CV_32FC4: red, green, blue, white (CIEDE2000)
+  cv::Mat deltaEAfter;        // CV_32FC4
+  float scale = 0.0f;         // k
+  TargetLxy targets[4] = {};  // the targets with every L times k (white included)
+  CorrectionSettings settings;  // the settings it was computed with
   CorrectionCounts counts = {};
 
   // The ".corr" file and buffer format, version 1: 'L', the version, the

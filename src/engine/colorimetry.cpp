@@ -18,12 +18,13 @@ constexpr double kLabEpsilon = 216.0 / 24389.0;
 constexpr double kLabKappa = 24389.0 / 27.0;
 
 // Cosines and sines of the fixed angles in T (30, 6 and 63 degrees).
-const double kCos30 = std::cos(30.0 * kDegree);
-const double kSin30 = std::sin(30.0 * kDegree);
-const double kCos6 = std::cos(6.0 * kDegree);
-const double kSin6 = std::sin(6.0 * kDegree);
-const double kCos63 = std::cos(63.0 * kDegree);
-const double kSin63 = std::sin(63.0 * kDegree);
+// Literals rather than computed statics, so no initialisation order matters.
+constexpr double kCos30 = 0.8660254037844387;
+constexpr double kSin30 = 0.5;
+constexpr double kCos6 = 0.9945218953682733;
+constexpr double kSin6 = 0.10452846326765347;
+constexpr double kCos63 = 0.4539904997395468;
+constexpr double kSin63 = 0.8910065241883678;
 
 // 25^7, the chroma at which the CIEDE2000 a* rescaling is half applied.
 constexpr double kChromaPivot7 = 6103515625.0;
