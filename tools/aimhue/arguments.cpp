@@ -1,6 +1,8 @@
 // Parsing of sizes, number lists and white points.
 #include "arguments.h"
 
+#include <aimhue/colorimetry.h>
+
 #include <cctype>
 #include <cerrno>
 #include <cmath>
@@ -115,10 +117,30 @@ const std::vector<WhitePoint>& NamedWhitePoints() {
   return kWhites;
 }
 
+std::optional<double> ParseKelvin(const std::string& text) {
+  const std::string trimmed = Trim(text);
+  if (trimmed.size() < 2 || (trimmed.back() != 'K' && trimmed.back() != 'k')) return std::nullopt;
+  // Read in double: a temperature such as 6504.38938305 K keeps its digits.
+  const std::string number = trimmed.substr(0, trimmed.size() - 1);
+  if (!ParseFloat(number)) return std::nullopt;  // plain decimal notation only
+  errno = 0;
+  char* end = nullptr;
+  const double value = std::strtod(number.c_str(), &end);
+  if (end != number.c_str() + number.size() || errno == ERANGE || !std::isfinite(value)) {
+    return std::nullopt;
+  }
+  return value;
+}
+
 std::optional<WhitePoint> ParseWhitePoint(const std::string& text) {
   const std::string key = Lower(Trim(text));
   for (const WhitePoint& white : NamedWhitePoints()) {
     if (Lower(white.name) == key) return white;
+  }
+  if (const auto kelvin = ParseKelvin(text)) {
+    if (!(*kelvin >= kDaylightMinKelvin && *kelvin <= kDaylightMaxKelvin)) return std::nullopt;
+    const cv::Vec2d xy = DaylightXy(*kelvin);
+    return WhitePoint{Trim(text), static_cast<float>(xy[0]), static_cast<float>(xy[1])};
   }
   const auto xy = ParseFloatList(text, 2);
   if (!xy) return std::nullopt;

@@ -52,8 +52,20 @@ struct WhitePoint {
   float y = 0.0f;
 };
 
-// A named white (case-insensitive: D50, D55, D65, D75, D93, A, C, E, DCI)
-// or a chromaticity "x,y" with 0 < x, 0 < y and x + y < 1.
+// The correlated colour temperatures the CIE daylight locus is defined for.
+constexpr double kDaylightMinKelvin = 4000.0;
+constexpr double kDaylightMaxKelvin = 25000.0;
+
+// A colour temperature "6500K": a finite decimal number followed by 'K' or
+// 'k' (any value; the range is checked by ParseWhitePoint).
+std::optional<double> ParseKelvin(const std::string& text);
+
+// A named white (case-insensitive: D50, D55, D65, D75, D93, A, C, E, DCI),
+// a point of the CIE daylight locus given as its colour temperature
+// ("6500K", kDaylightMinKelvin to kDaylightMaxKelvin), or a chromaticity
+// "x,y" with 0 < x, 0 < y and x + y < 1. A colour temperature is not a
+// standard illuminant: 6500K is the locus at 6500 K, while D65 lies near
+// 6504 K.
 std::optional<WhitePoint> ParseWhitePoint(const std::string& text);
 
 // The names ParseWhitePoint knows, with their chromaticities, in a fixed

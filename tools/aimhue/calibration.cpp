@@ -71,9 +71,11 @@ void AddCalibrationOptions(CLI::App& command, CalibrationOptionText& text) {
       ->type_name("R,G,B,W");
   command
       .add_option("--white", text.white,
-                  "Wanted white point: a name (D50, D55, D65, D75, D93, A, C, E, DCI) or a"
-                  " chromaticity x,y.")
-      ->capture_default_str()
+                  "Wanted white point: a name (D50, D55, D65, D75, D93, A, C, E, DCI), a colour"
+                  " temperature on the CIE daylight locus from 4000K to 25000K (6500K), or a"
+                  " chromaticity x,y. Default: D65 (or the --gamut standard's white). 6500K is"
+                  " not D65: the standard illuminant D65 lies near 6504 K, a few thousandths"
+                  " of x and y away from the locus point at 6500 K.")
       ->type_name("NAME|X,Y");
   command
       .add_option("--scale", text.scale,
@@ -97,16 +99,40 @@ void AddCalibrationOptions(CLI::App& command, CalibrationOptionText& text) {
                    " of the search NaN.");
 }
 
+void AddGamutOption(CLI::App& command, CalibrationOptionText& text) {
+  command
+      .add_option("--gamut", text.gamut,
+                  "Use a standard's primaries as the targets instead of the searched ones:"
+                  " rec709, p3 (DCI-P3, cinema white), p3-d65 or bt2020; its white too unless"
+                  " --white is given. The searched luminances stay, the white point gains"
+                  " balance them, and the report's coverage tells how many LEDs can show the"
+                  " standard's gamut.")
+      ->type_name("rec709|p3|p3-d65|bt2020");
+}
+
 CalibrationSettings ParseCalibrationSettings(const CalibrationOptionText& text) {
   CalibrationSettings settings;
   settings.percentEnd = ParseFractions(text.percentEnd, "--percent-end");
   settings.fractions = ParseFractions(text.fractions, "--fraction");
-  const auto white = ParseWhitePoint(text.white);
-  if (!white) {
-    throw CommandError(kExitUsage, "--white: expected a named white (D65, ...) or x,y with x > 0,"
-                                   " y > 0 and x + y < 1, got '" + text.white + "'");
+  if (!text.gamut.empty()) {
+    settings.gamut = FindStandardGamut(text.gamut);
+    if (!settings.gamut) {
+      throw CommandError(kExitUsage, "--gamut: expected rec709, p3, p3-d65 or bt2020, got '" +
+                                         text.gamut + "'");
+    }
   }
-  settings.white = *white;
+  if (text.white.empty()) {
+    settings.white = settings.gamut ? settings.gamut->white : WhitePoint{"D65", 0.3127f, 0.3290f};
+  } else if (const auto white = ParseWhitePoint(text.white)) {
+    settings.white = *white;
+  } else if (const auto kelvin = ParseKelvin(text.white)) {
+    throw CommandError(kExitUsage, "--white: a colour temperature must lie on the daylight locus,"
+                                   " 4000K to 25000K, got '" + text.white + "'");
+  } else {
+    throw CommandError(kExitUsage, "--white: expected a named white (D65, ...), a colour"
+                                   " temperature such as 6500K, or x,y with x > 0, y > 0 and"
+                                   " x + y < 1, got '" + text.white + "'");
+  }
   settings.scale = ParseUnitValue(text.scale, "--scale");
   settings.uncapped = text.uncapped;
   settings.ngThresh = ParseUnitValue(text.ngThresh, "--ng-thresh");
@@ -138,6 +164,24 @@ Calibration Calibrate(const MeasuredScreen& measured, const CalibrationSettings&
     CheckStatus(AimhueSetPercentCalcChroma(handle, settings.fractions.data()),
                 "the interpolation fractions were refused");
   });
+  if (settings.gamut) {
+    report.gamut = settings.gamut->name;
+    Timed(timings, "standard gamut", [&] {
+      // The standard's chromaticities at the searched luminances; the white
+      // point step then balances those luminances to the wanted white.
+      const StandardGamut& gamut = *settings.gamut;
+      const float* xy[kPrimaryCount] = {gamut.red, gamut.green, gamut.blue};
+      AimhueResults searched = GetResults(handle);
+      for (int p = 0; p < kPrimaryCount; ++p) {
+        searched.targets[p].x = xy[p][0];
+        searched.targets[p].y = xy[p][1];
+      }
+      searched.targets[kWhitePoint].x = settings.white.x;
+      searched.targets[kWhitePoint].y = settings.white.y;
+      CheckStatus(AimhueSetTargets(handle, &searched.targets[0].L),
+                  "the standard gamut's targets were refused");
+    });
+  }
   Timed(timings, "white point", [&] {
     const TargetLxy white{0.0f, settings.white.x, settings.white.y};
     CheckStatus(AimhueCalcWhite(handle, settings.scale, &white, settings.uncapped ? 1 : 0),

@@ -4,6 +4,7 @@
 #define AIMHUE_TOOLS_CALIBRATION_H_
 
 #include <array>
+#include <optional>
 #include <string>
 
 #include <CLI/App.hpp>
@@ -12,6 +13,7 @@
 #include "engine_handle.h"
 #include "meter_set.h"
 #include "report.h"
+#include "standard_gamut.h"
 
 namespace aimhue {
 namespace tool {
@@ -24,22 +26,27 @@ struct CalibrationSettings {
   bool uncapped = false;
   float ngThresh = 0.08f;
   bool keepDead = false;
+  std::optional<StandardGamut> gamut;  // targets of a standard instead of the searched ones
 };
 
 // The options of the settings as given on the command line, before parsing.
 struct CalibrationOptionText {
   std::string percentEnd = "1,1,1,1";
   std::string fractions = "1,1,1,1";
-  std::string white = "D65";
+  std::string white;  // empty: D65, or the --gamut standard's white
   std::string scale = "1";
   bool uncapped = false;
   std::string ngThresh = "0.08";
   bool keepDead = false;
+  std::string gamut;  // calibrate only
 };
 
 // Adds --percent-end, --fraction, --white, --scale, --uncapped, --ng-thresh
 // and --keep-dead to `command`.
 void AddCalibrationOptions(CLI::App& command, CalibrationOptionText& text);
+
+// Adds --gamut (calibrate only).
+void AddGamutOption(CLI::App& command, CalibrationOptionText& text);
 
 // Parses and range-checks the options' values; CommandError (exit status 2)
 // names the first bad option. The ranges are the library's own, checked
@@ -53,7 +60,8 @@ struct Calibration {
   CalibrationReport report;
 };
 
-// Runs AimhueSearchScreen, AimhueSetPercentCalcChroma, AimhueCalcWhite,
+// Runs AimhueSearchScreen, AimhueSetPercentCalcChroma, with a standard gamut
+// AimhueSetTargets (its primaries at the searched luminances), AimhueCalcWhite,
 // AimhueCalcPercentNGScreen (the coverage of the targets and the NG limit
 // from one count) and AimhueJudgeNGScreen on the screen, then counts the
 // LEDs that miss a target. Fills everything of the report but its source,

@@ -52,6 +52,7 @@ void AddCalibrateCommand(CLI::App& app, int& exit_status) {
       " file and prints the report; optionally writes it as JSON and draws the gamut plot.");
   AddMeterFileOptions(*command, options->meters);
   AddCalibrationOptions(*command, options->calibration);
+  AddGamutOption(*command, options->calibration);
   command->add_option("-o,--output", options->result, "Result file for the engine's results;"
                                                       " the name must end in .aimhue.")
       ->capture_default_str()
@@ -67,7 +68,8 @@ void AddCalibrateCommand(CLI::App& app, int& exit_status) {
       "  aimhue calibrate --red r_X.meter r_Y.meter r_Z.meter --green g_X.meter g_Y.meter \\\n"
       "      g_Z.meter --blue b_X.meter b_Y.meter b_Z.meter -o screen.aimhue --plot gamut.png\n"
       "  aimhue calibrate ... --percent-end 0.98,0.98,0.97,0.95 --fraction 0.8,0.8,0.8,1 \\\n"
-      "      --white D93 --scale 0.9 --ng-thresh 0.05 --json report.json\n\n"
+      "      --white D93 --scale 0.9 --ng-thresh 0.05 --json report.json\n"
+      "  aimhue calibrate ... --gamut rec709 --white 6500K\n\n"
       "Exit status:\n"
       "  0  calibrated; the result file was written\n"
       "  2  a missing or bad option value\n"

@@ -8,6 +8,7 @@
 #include "calibration.h"
 #include "command_error.h"
 #include "commands.h"
+#include "correction_run.h"
 #include "output_files.h"
 
 namespace aimhue {
@@ -30,15 +31,13 @@ int RunDemo(const DemoOptions& options) {
   const std::string json_file = (folder / "report.json").string();
   const std::string plot_file = (folder / "gamut.png").string();
 
+  synthetic::ScreenOptions screen;
+  screen.cols = size.cols;
+  screen.rows = size.rows;
+  screen.seed = options.seed;
   std::vector<TimedStep> generation;
   synthetic::ScreenMeters meters;
-  Timed(generation, "generate screen", [&] {
-    synthetic::ScreenOptions screen;
-    screen.cols = size.cols;
-    screen.rows = size.rows;
-    screen.seed = options.seed;
-    meters = synthetic::GenerateMeters(screen);
-  });
+  Timed(generation, "generate screen", [&] { meters = synthetic::GenerateMeters(screen); });
   MeasuredScreen measured;
   Timed(generation, "dead LEDs, combine", [&] {
     measured = MeasureScreen([&](int primary) { return std::move(meters[primary]); },
@@ -51,6 +50,11 @@ int RunDemo(const DemoOptions& options) {
   report.timings.insert(report.timings.begin(), generation.begin(), generation.end());
   WriteCalibrationOutputs(calibration, measured, {result_file, plot_file, json_file});
   PrintCalibrationReport(std::cout, report);
+  // The calibration freed its meters one primary at a time; the correction
+  // needs all nine at once, so the same screen is generated again (the
+  // generator is deterministic in its seed; its dead LEDs are skipped).
+  const Meters again = synthetic::GenerateMeters(screen);
+  CorrectDemoScreen(again, report.targets, report.source, options.out, std::cout);
   return kExitOk;
 }
 
@@ -65,7 +69,9 @@ void AddDemoCommand(CLI::App& app, int& exit_status) {
       " of chromaticity and luminance, a few outlier LEDs and three dead LEDs, all from one"
       " seed), repairs the dead LEDs, runs the library's whole calling order (target search,"
       " interpolation fractions, white point, coverage, NG limit and judgement), prints the"
-      " report and writes result.aimhue, report.json and gamut.png into the output directory.");
+      " report and writes result.aimhue, report.json and gamut.png into the output directory."
+      " Then corrects every LED to the targets, prints the correction's report and writes"
+      " correction.corr and the map correction_map.png.");
   command->add_option("--size", options->size, "Screen size in LEDs, WIDTHxHEIGHT.")
       ->capture_default_str()
       ->type_name("WxH");
@@ -81,7 +87,8 @@ void AddDemoCommand(CLI::App& app, int& exit_status) {
   command->footer(
       "Examples:\n"
       "  aimhue demo\n"
-      "  aimhue demo --size 320x180 --seed 7 --out /tmp/demo --white D93\n\n"
+      "  aimhue demo --size 320x180 --seed 7 --out /tmp/demo --white D93\n"
+      "  aimhue demo --white 6500K\n\n"
       "Exit status:\n"
       "  0  the screen was calibrated and the files written\n"
       "  2  a bad option value\n"

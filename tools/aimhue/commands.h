@@ -20,6 +20,7 @@ void AddDemoCommand(CLI::App& app, int& exit_status);
 void AddSimulateCommand(CLI::App& app, int& exit_status);
 void AddCalibrateCommand(CLI::App& app, int& exit_status);
 void AddJudgeCommand(CLI::App& app, int& exit_status);
+void AddCorrectCommand(CLI::App& app, int& exit_status);
 void AddCoverageCommand(CLI::App& app, int& exit_status);
 void AddInspectCommand(CLI::App& app, int& exit_status);
 

@@ -35,5 +35,7 @@ TargetBlock ToBlock(const TargetLxy (&points)[4]) {
   return TargetBlock{points[0], points[1], points[2], points[3]};
 }
 
+TargetBlock GetTargets(Aimhue* handle) { return ToBlock(GetResults(handle).targets); }
+
 }  // namespace tool
 }  // namespace aimhue

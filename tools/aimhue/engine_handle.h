@@ -41,6 +41,9 @@ AimhueResults GetResults(Aimhue* handle);
 // A block of four points as the tool's reports take it.
 TargetBlock ToBlock(const TargetLxy (&points)[4]);
 
+// The handle's target block (red, green, blue, white).
+TargetBlock GetTargets(Aimhue* handle);
+
 }  // namespace tool
 }  // namespace aimhue
 

@@ -12,6 +12,7 @@
 #include <initializer_list>
 
 #include "command_error.h"
+#include "correction_inspection.h"
 #include "engine_handle.h"
 
 namespace aimhue {
@@ -281,8 +282,9 @@ ReportJson InspectFile(const std::string& file) {
   if (extension == ".aimhue") return InspectResults(file);
   if (extension == ".meter") return InspectMeter(file);
   if (extension == ".shot") return InspectShot(file);
-  throw CommandError(kExitUsage, "unknown kind of file: expected a name ending in .aimhue, .meter"
-                                 " or .shot");
+  if (extension == ".corr") return InspectCorrection(file, std::nullopt);
+  throw CommandError(kExitUsage, "unknown kind of file: expected a name ending in .aimhue, .meter,"
+                                 " .shot or .corr");
 }
 
 void PrintInspection(std::ostream& out, const ReportJson& inspection) {

@@ -12,8 +12,9 @@
 namespace aimhue {
 namespace tool {
 
-// Loads `file` by its extension (.aimhue, .meter or .shot) and describes
-// it: "file" and "kind" ("aimhue", "meter" or "shot") and the content.
+// Loads `file` by its extension (.aimhue, .meter, .shot or .corr) and
+// describes it: "file" and "kind" ("aimhue", "meter", "shot" or "corr") and
+// the content.
 // CommandError naming the library's status when the file cannot be loaded
 // (exit status 3), or for an unknown extension (exit status 2).
 ReportJson InspectFile(const std::string& file);

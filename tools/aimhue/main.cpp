@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
   aimhue::tool::AddSimulateCommand(app, exit_status);
   aimhue::tool::AddCalibrateCommand(app, exit_status);
   aimhue::tool::AddJudgeCommand(app, exit_status);
+  aimhue::tool::AddCorrectCommand(app, exit_status);
   aimhue::tool::AddCoverageCommand(app, exit_status);
   aimhue::tool::AddInspectCommand(app, exit_status);
   try {

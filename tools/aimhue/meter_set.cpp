@@ -73,6 +73,22 @@ PrimaryMeters LoadPrimary(const MeterFiles& files, int primary) {
   return meters;
 }
 
+MeterTriple Triple(const Meters& meters, int primary) {
+  MeterTriple triple;
+  for (int c = 0; c < 3; ++c) triple.pointers[c] = &meters[primary][c];
+  return triple;
+}
+
+Meters LoadMeters(const MeterFiles& files) {
+  Meters meters;
+  for (int p = 0; p < kPrimaryCount; ++p) meters[p] = LoadPrimary(files, p);
+  return meters;
+}
+
+ScreenSize MeterScreen(const Meters& meters) {
+  return ScreenSize{meters[0][0].chroma.cols, meters[0][0].chroma.rows};
+}
+
 std::string DescribeMeterFiles(const MeterFiles& files) {
   const std::filesystem::path folder = std::filesystem::path(files[0][0]).parent_path();
   std::string names;

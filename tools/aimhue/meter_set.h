@@ -27,6 +27,20 @@ namespace tool {
 using PrimaryMeters = std::array<LedMeter, 3>;
 // Red, green, blue; each X, Y, Z.
 using MeterFiles = std::array<std::array<std::string, 3>, kPrimaryCount>;
+// All nine meters of a measurement, for the steps that need them at once
+// (the per-LED correction): red, green, blue; each X, Y, Z.
+using Meters = std::array<PrimaryMeters, kPrimaryCount>;
+
+// The three meter pointers of one primary in the order the library takes
+// them (X, Y, Z).
+struct MeterTriple {
+  std::array<const LedMeter*, 3> pointers{};
+  const LedMeter* const* get() const { return pointers.data(); }
+};
+MeterTriple Triple(const Meters& meters, int primary);
+
+// The LED columns and rows of the red X meter's chroma plane.
+ScreenSize MeterScreen(const Meters& meters);
 
 // Ends the command (CommandError, exit status 3) unless `meter`, loaded
 // from `file`, holds the colour code of `primary` (0, 1, 2: red, green,
@@ -40,6 +54,9 @@ void CheckMeterRole(const LedMeter& meter, const std::string& file, int primary,
 // status other than 0 or a meter in the wrong place ends the command
 // (CommandError, exit status 3) naming the file.
 PrimaryMeters LoadPrimary(const MeterFiles& files, int primary);
+
+// Loads all nine files (LoadPrimary for each primary).
+Meters LoadMeters(const MeterFiles& files);
 
 // A short description of the files for reports: "meter files in DIR" when
 // the nine share a folder, otherwise their names separated by blanks.

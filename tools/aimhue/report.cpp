@@ -131,8 +131,18 @@ void PrintCalibrationReport(std::ostream& out, const CalibrationReport& report) 
   PrintTargetBlock(out, "Search start", report.searchStart);
   out << "              (the primaries' mean chromaticities; white not set by the search)\n";
   PrintTargetBlock(out, "Targets", report.targets);
+  if (!report.gamut.empty()) {
+    out << "              (the " << report.gamut << " primaries at the searched luminances, not"
+        << " the searched chromaticities)\n";
+  }
   out << "\n";
   PrintCoverage(out, report.coverage);
+  if (!report.gamut.empty()) {
+    const int64_t all = static_cast<int64_t>(report.screen.cols) * report.screen.rows;
+    out << Format("              %lld of %lld LEDs can show the whole %s gamut\n",
+                  static_cast<long long>(all - report.ledsMissingTargets),
+                  static_cast<long long>(all), report.gamut.c_str());
+  }
   out << Format("NG limit      %s (coverage of all three minus the threshold); this measurement:"
                 " %s\n",
                 FloatText(report.ngLimit).c_str(), report.ng ? "NG" : "pass");
@@ -170,6 +180,7 @@ ReportJson CalibrationReportJson(const CalibrationReport& report) {
       {"percentEnd", FloatArray(report.percentEnd.data(), 4)},
       {"fractions", FloatArray(report.fractions.data(), 4)},
       {"white", {{"name", report.white.name}, {"x", report.white.x}, {"y", report.white.y}}},
+      {"gamut", report.gamut.empty() ? ReportJson() : ReportJson(report.gamut)},
       {"scale", report.scale},
       {"uncapped", report.uncapped},
       {"ngThresh", report.ngThresh}};

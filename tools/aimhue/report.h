@@ -71,6 +71,7 @@ struct CalibrationReport {
   std::array<float, 4> percentEnd{};   // required coverage red, green, blue, all
   std::array<float, 4> fractions{};    // interpolation fractions red, green, blue, fourth
   WhitePoint white;
+  std::string gamut;             // the standard whose primaries are the targets; empty: searched
   float scale = 1.0f;
   bool uncapped = false;
   float ngThresh = 0.0f;

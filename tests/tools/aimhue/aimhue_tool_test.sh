@@ -49,7 +49,7 @@ meters() {  # the --red/--green/--blue options for the nine files of folder $1
 # --- help and usage ---------------------------------------------------------
 expect 0 "$aimhue" --help
 contains out.txt "Exit status"
-for command in demo simulate calibrate judge coverage inspect; do
+for command in demo simulate calibrate judge coverage inspect correct; do
   expect 0 "$aimhue" "$command" --help
   contains out.txt "Examples:"
   contains out.txt "Exit status:"
@@ -74,7 +74,9 @@ expect 0 "$aimhue" demo --size 64x48 --seed 3 --out demo
 contains out.txt "Targets"
 contains out.txt "Dead LEDs"
 contains out.txt "NG limit"
-for file in result.aimhue report.json gamut.png; do
+contains out.txt "Per-LED correction"
+contains out.txt "White luminance uniformity"
+for file in result.aimhue report.json gamut.png correction.corr correction_map.png; do
   [ -s "demo/$file" ] || fail "demo did not write $file"
 done
 
@@ -188,6 +190,151 @@ assert meter["kind"] == "meter" and meter["typeName"] == "CIE_Y"
 assert meter["chroma"]["rows"] == 32 and meter["chroma"]["cols"] == 48
 assert meter["partition"]["screen_w"] == 48
 PY
+
+# --- correct ------------------------------------------------------------------
+# shellcheck disable=SC2046
+expect 0 "$aimhue" correct screen.aimhue $(meters meters) -o screen.corr --bits 12 \
+  --json correct.json --panels panels.csv --panel 16x16 --worst 4 --map map.png --export planes
+contains out.txt "Scale k"
+contains out.txt "CIEDE2000"
+contains out.txt "Worst LEDs"
+[ -s screen.corr ] && [ -s map.png ] || fail "correct outputs"
+leftovers() { ls -A . planes | grep -E '^\.[^/]+\.[A-Za-z0-9]{6}$'; }
+leftovers && fail "correct left temporary files behind"
+# The report's figures agree with each other; the exported planes read back
+# as 16-bit integers whose row sums never pass full scale; the panel table
+# covers the screen; the worst list is in order.
+"$python" - correct.json panels.csv planes <<'PY' || fail "correct outputs check"
+import csv, json, os, struct, sys
+report = json.load(open(sys.argv[1]))
+counts = report["counts"]
+assert counts["corrected"] + counts["dead"] + counts["notFinite"] + counts["singular"] == 48 * 32
+assert 0 < report["scale"] <= 1 and report["settings"]["bits"] == 12
+after = report["deltaE2000"]["after"]["white"]
+assert after["p50"] <= after["p95"] <= after["p99"] <= after["max"]
+assert after["p95"] < report["deltaE2000"]["before"]["white"]["p95"]
+assert report["whiteLuminanceUniformity"]["after"]["relativeStdDev"] < \
+    report["whiteLuminanceUniformity"]["before"]["relativeStdDev"]
+worst = report["worst"]
+assert len(worst) == 4 and worst[0]["after"]["white"] == after["max"]
+assert all(a["after"]["white"] >= b["after"]["white"] for a, b in zip(worst, worst[1:]))
+rows = list(csv.DictReader(open(sys.argv[2])))
+assert len(rows) == 3 * 2, len(rows)
+assert sum(int(r["corrected"]) for r in rows) == counts["corrected"]
+assert sum(int(r["dimmed"]) for r in rows) == counts["dimmed"]
+
+def tiff(name):  # an uncompressed single-strip-or-more 16-bit TIFF, little-endian
+    data = open(os.path.join(sys.argv[3], name), "rb").read()
+    assert data[:4] == b"II*\x00", name
+    (offset,) = struct.unpack_from("<I", data, 4)
+    (count,) = struct.unpack_from("<H", data, offset)
+    tags = {}
+    for i in range(count):
+        tag, kind, n, value = struct.unpack_from("<HHII", data, offset + 2 + 12 * i)
+        tags[tag] = (kind, n, value)
+    width, height = tags[256][2], tags[257][2]
+    assert tags[258][2] == 16 and tags[259][2] == 1, (name, tags[258], tags[259])
+    kind, n, value = tags[273]
+    strips = [value] if n == 1 else struct.unpack_from("<%dI" % n, data, value)
+    pixels = b"".join(data[s:s + 2 * width * height] for s in strips)[:2 * width * height]
+    return width, height, struct.unpack("<%dH" % (width * height), pixels)
+
+names = ["red", "green", "blue"]
+planes = {(e, i): tiff("coefficient_%s_for_%s.tiff" % (e, i)) for e in names for i in names}
+assert all(p[:2] == (48, 32) for p in planes.values())
+for e in names:
+    for led in range(48 * 32):
+        assert sum(planes[(e, i)][2][led] for i in names) <= 4095
+assert tiff("gain.tiff")[:2] == (48, 32) and tiff("flags.tiff")[:2] == (48, 32)
+PY
+worst_led=$("$python" -c 'import json; w = json.load(open("correct.json"))["worst"][0]; print("%d,%d" % (w["row"], w["col"]))')
+expect 0 "$aimhue" inspect --led "$worst_led" screen.corr
+contains out.txt "red emitter"
+contains out.txt "$("$python" -c 'import json; print(json.load(open("correct.json"))["worst"][0]["flags"])')"
+expect 0 "$aimhue" inspect screen.corr
+contains out.txt "correction (.corr): 48 x 32 LEDs"
+expect 2 "$aimhue" inspect --led 32,0 screen.corr
+contains err.txt "outside the screen"
+expect 2 "$aimhue" inspect --led 1,1 screen.aimhue
+
+# Refusals: each names its cause, and no file already on disk changes.
+cp screen.corr before.corr
+cp map.png before.png
+unchanged() { cmp -s screen.corr before.corr && cmp -s map.png before.png || fail "an output was overwritten"; }
+# shellcheck disable=SC2046
+expect 2 "$aimhue" correct screen.aimhue $(meters meters) -o screen.corr --quantile 0
+# shellcheck disable=SC2046
+expect 2 "$aimhue" correct screen.aimhue $(meters meters) -o screen.corr --bits 7
+# shellcheck disable=SC2046
+expect 2 "$aimhue" correct screen.aimhue $(meters meters) -o screen.meter
+expect 0 "$aimhue" simulate --size 40x32 --seed 5 --out small-meters
+# shellcheck disable=SC2046
+expect 3 "$aimhue" correct screen.aimhue $(meters meters | sed 's#meters/blue_Z#small-meters/blue_Z#') \
+  -o screen.corr --map map.png
+contains err.txt "not of one screen"
+unchanged
+expect 0 "$aimhue" simulate --size 1x1 --dead 1 --outliers 0 --out dead-meters
+# shellcheck disable=SC2046
+expect 3 "$aimhue" correct screen.aimhue $(meters dead-meters) -o screen.corr --map map.png
+contains err.txt "no LED left to correct"
+unchanged
+# Result files with hand-made targets: red beyond every LED, and three
+# primaries on one line.
+"$python" - <<'PY'
+import struct
+def result(name, targets):
+    floats = [1, 1, 1, 1, 0.5] + targets + [0.0] * 24
+    open(name, "wb").write(b"L" + struct.pack("<I", 1) + struct.pack("<41f", *floats))
+white = [900, 0.3127, 0.329]
+result("far.aimhue", [250, 0.72, 0.27, 600, 0.17, 0.72, 60, 0.14, 0.06] + white)
+result("line.aimhue", [250, 0.6, 0.3, 600, 0.4, 0.3, 60, 0.2, 0.3] + white)
+PY
+# shellcheck disable=SC2046
+expect 3 "$aimhue" correct far.aimhue $(meters meters) -o screen.corr --map map.png
+contains err.txt "red target lies outside the gamut of every LED"
+unchanged
+# shellcheck disable=SC2046
+expect 3 "$aimhue" correct line.aimhue $(meters meters) -o screen.corr --map map.png
+contains err.txt "degenerate triangle"
+unchanged
+# A write that fails last (the correction file's folder is missing) leaves
+# the map that was ready before it out of place too.
+# shellcheck disable=SC2046
+expect 4 "$aimhue" correct screen.aimhue $(meters meters) -o missing/screen.corr --map map.png
+contains err.txt "missing/screen.corr"
+unchanged
+leftovers && fail "a failed correct left temporary files behind"
+head -c 300 screen.corr >cut.corr
+expect 3 "$aimhue" inspect cut.corr
+contains err.txt "status 3"
+
+# --- white points on the daylight locus, standard gamuts --------------------
+expect 0 "$aimhue" demo --size 32x24 --white 6500K --out kelvin
+"$python" - kelvin/report.json <<'PY' || fail "6500K white"
+import json, sys
+white = json.load(open(sys.argv[1]))["settings"]["white"]
+assert white["name"] == "6500K", white
+assert abs(white["x"] - 0.3128) < 2e-4 and abs(white["y"] - 0.3292) < 2e-4, white
+assert (white["x"], white["y"]) != (0.3127, 0.329)  # not D65
+PY
+expect 2 "$aimhue" demo --size 32x24 --white 3999K --out kelvin
+contains err.txt "4000K to 25000K"
+expect 0 "$aimhue" calibrate --help
+contains out.txt "6500K is not D65"
+# shellcheck disable=SC2046
+expect 0 "$aimhue" calibrate $(meters meters) -o rec709.aimhue --gamut rec709 --json rec709.json
+contains out.txt "can show the whole Rec.709 gamut"
+"$python" - rec709.json <<'PY' || fail "--gamut rec709"
+import json, sys
+report = json.load(open(sys.argv[1]))
+targets = report["targets"]
+assert (targets["red"]["x"], targets["red"]["y"]) == (0.64, 0.33)
+assert (targets["green"]["x"], targets["blue"]["y"]) == (0.3, 0.06)
+assert report["settings"]["white"]["name"] == "D65" and report["settings"]["gamut"] == "Rec.709"
+assert 0.0 <= report["coverage"]["all"] <= 1.0
+PY
+# shellcheck disable=SC2046
+expect 2 "$aimhue" calibrate $(meters meters) --gamut srgb
 
 # --- bad and missing files -----------------------------------------------------
 printf 'B\001\000\000\000' >bad.meter

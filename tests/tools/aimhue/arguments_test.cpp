@@ -1,5 +1,7 @@
 #include "arguments.h"
 
+#include "standard_gamut.h"
+
 #include <gtest/gtest.h>
 
 namespace aimhue {
@@ -61,6 +63,36 @@ TEST(ParseWhitePoint, TakesAChromaticityInsideTheTriangleOfValidPoints) {
                            "nan,0.3"}) {
     EXPECT_FALSE(ParseWhitePoint(text)) << text;
   }
+}
+
+TEST(ParseWhitePoint, TakesAColourTemperatureOnTheDaylightLocusOnly) {
+  const auto near_d65 = ParseWhitePoint("6504.38938305K");
+  ASSERT_TRUE(near_d65);
+  EXPECT_NEAR(near_d65->x, 0.3127077, 1e-6);
+  EXPECT_NEAR(near_d65->y, 0.3291128, 1e-6);
+  const auto at_6500 = ParseWhitePoint(" 6500k ");
+  ASSERT_TRUE(at_6500);
+  EXPECT_EQ(at_6500->name, "6500k");
+  EXPECT_NE(at_6500->x, 0.3127f);  // not D65
+  EXPECT_TRUE(ParseWhitePoint("4000K"));
+  EXPECT_TRUE(ParseWhitePoint("25000K"));
+  for (const char* text : {"3999K", "25001K", "K", "nanK", "6500 K", "6500Kelvin", "-6500K"}) {
+    EXPECT_FALSE(ParseWhitePoint(text)) << text;
+  }
+  EXPECT_EQ(ParseKelvin("3999K"), 3999.0);  // read, so the caller can say why it is refused
+}
+
+TEST(FindStandardGamut, KnowsTheFourStandardsByOptionName) {
+  const auto p3 = FindStandardGamut("P3");
+  ASSERT_TRUE(p3);
+  EXPECT_EQ(p3->white.name, "DCI");
+  const auto p3_d65 = FindStandardGamut("p3-d65");
+  ASSERT_TRUE(p3_d65);
+  EXPECT_EQ(p3_d65->red[0], p3->red[0]);
+  EXPECT_EQ(p3_d65->white.name, "D65");
+  EXPECT_EQ(FindStandardGamut("bt2020")->green[1], 0.797f);
+  EXPECT_EQ(FindStandardGamut("rec709")->blue[0], 0.150f);
+  EXPECT_FALSE(FindStandardGamut("srgb"));
 }
 
 }  // namespace
