@@ -75,11 +75,17 @@ double HueDegrees(double b, double a) {
   return h;
 }
 
+// The rotation angle d-theta in degrees at the mean hue `hueMean` (degrees).
+double RotationDegrees(double hueMean) {
+  const double hueOffset = (hueMean - 275.0) / 25.0;
+  return 30.0 * std::exp(-hueOffset * hueOffset);
+}
+
 // Equations (15) to (22): the weighting functions and the rotation term
-// applied to dL', dC' and dH', given the mean lightness, chroma and hue
-// (the hue in degrees, with its cosine and sine).
+// applied to dL', dC' and dH', given the mean lightness and chroma, the
+// cosine and sine of the mean hue and the rotation angle in degrees.
 double Weighted(double deltaL, double deltaC, double deltaHBig, double lightnessMean,
-                double chromaMeanP, double hueMean, double cos1, double sin1) {
+                double chromaMeanP, double cos1, double sin1, double deltaTheta) {
   // T's four cosines from one sine and cosine of the mean hue, by the
   // multiple-angle and angle-sum identities.
   const double cos2 = 2.0 * cos1 * cos1 - 1.0;
@@ -90,15 +96,13 @@ double Weighted(double deltaL, double deltaC, double deltaHBig, double lightness
   const double sin4 = 2.0 * sin2 * cos2;
   const double t = 1.0 - 0.17 * (cos1 * kCos30 + sin1 * kSin30) + 0.24 * cos2 +
                    0.32 * (cos3 * kCos6 - sin3 * kSin6) - 0.20 * (cos4 * kCos63 + sin4 * kSin63);
-  const double hueOffset = (hueMean - 275.0) / 25.0;
-  const double deltaTheta = 30.0 * std::exp(-hueOffset * hueOffset);
   const double chromaMeanP7 = Pow7(chromaMeanP);
   const double rc = 2.0 * std::sqrt(chromaMeanP7 / (chromaMeanP7 + kChromaPivot7));
   const double lightnessOffset2 = (lightnessMean - 50.0) * (lightnessMean - 50.0);
   const double sl = 1.0 + 0.015 * lightnessOffset2 / std::sqrt(20.0 + lightnessOffset2);
   const double sc = 1.0 + 0.045 * chromaMeanP;
   const double sh = 1.0 + 0.015 * chromaMeanP * t;
-  const double rt = -std::sin(2.0 * deltaTheta * kDegree) * rc;
+  const double rt = deltaTheta == 0.0 ? 0.0 : -std::sin(2.0 * deltaTheta * kDegree) * rc;
 
   const double termL = deltaL / sl;
   const double termC = deltaC / sc;
@@ -153,19 +157,24 @@ double CieDe2000Literal(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
       hueMean = (h1p + h2p - 360.0) / 2.0;
     }
   }
-  return Weighted(deltaL, deltaC, deltaHBig, (L1 + L2) / 2.0, (c1p + c2p) / 2.0, hueMean,
-                  std::cos(hueMean * kDegree), std::sin(hueMean * kDegree));
+  return Weighted(deltaL, deltaC, deltaHBig, (L1 + L2) / 2.0, (c1p + c2p) / 2.0,
+                  std::cos(hueMean * kDegree), std::sin(hueMean * kDegree),
+                  RotationDegrees(hueMean));
 }
 
-// The same quantities with one trigonometric call instead of five. With
-// P = C1' C2', D = a1' a2' + b1 b2 = P cos(dh') and X = a1' b2 - b1 a2' =
-// P sin(dh'), dH' = 2 sqrt(P) sin(dh' / 2) equals X sqrt(2 / (P + D)) where
-// the hues are at most 90 degrees apart (no cancellation for small
+// The same quantities with at most one trigonometric call instead of five.
+// With P = C1' C2', D = a1' a2' + b1 b2 = P cos(dh') and X = a1' b2 - b1 a2'
+// = P sin(dh'), dH' = 2 sqrt(P) sin(dh' / 2) equals X sqrt(2 / (P + D))
+// where the hues are at most 90 degrees apart (no cancellation for small
 // differences) and sign(X) sqrt(2 (P - D)) beyond. The mean hue bisects the
 // shorter arc between the hues: T takes its cosine and sine from a vector
 // along that bisector, and one atan2 gives the degrees that the rotation
-// term's exponential needs. Neutral colours and exactly opposite hues go to
-// the literal version, whose conventions decide them. The two agree to
+// term's exponential needs. A mean hue in the first quadrant is at least 185
+// degrees from the rotation's centre at 275, where the rotation term is below
+// 1e-23 of the sum it is added to and cannot change its rounding, so it is 0
+// there without any call. With one neutral colour dH' is 0 and the mean hue
+// is the other's. Two neutral colours and exactly opposite hues go to the
+// literal version, whose conventions decide them. The two versions agree to
 // rounding (about 1e-12 of the difference).
 double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
   const double L1 = lab1[0], a1 = lab1[1], b1 = lab1[2];
@@ -179,24 +188,39 @@ double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
   const double chromaProduct = c1p * c2p;
   const double dot = a1p * a2p + b1 * b2;
   const double cross = a1p * b2 - b1 * a2p;
-  if (chromaProduct == 0.0 || (cross == 0.0 && dot < 0.0)) return CieDe2000Literal(lab1, lab2);
 
-  const double deltaHBig =
-      dot >= 0.0 ? cross * std::sqrt(2.0 / (chromaProduct + dot))
-                 : std::copysign(std::sqrt(2.0 * (chromaProduct - dot)), cross);
-  // The mean hue's direction: the sum of the unit hue vectors, or, for hues
-  // more than 90 degrees apart where that sum cancels, their difference
-  // turned by a quarter turn towards it.
-  const double unit1A = a1p / c1p, unit1B = b1 / c1p;
-  const double unit2A = a2p / c2p, unit2B = b2 / c2p;
-  const double turn = std::copysign(1.0, cross);
-  const double bisectorA = dot >= 0.0 ? unit1A + unit2A : turn * (unit2B - unit1B);
-  const double bisectorB = dot >= 0.0 ? unit1B + unit2B : turn * (unit1A - unit2A);
+  double deltaHBig = 0.0;
+  double bisectorA;
+  double bisectorB;
+  if (chromaProduct == 0.0) {
+    // A chroma that is 0 with a* or b* not (underflow) has a hue of its own.
+    const bool bothNeutral = c1p == 0.0 && c2p == 0.0;
+    const bool exactZero = c1p == 0.0 ? a1p == 0.0 && b1 == 0.0 : a2p == 0.0 && b2 == 0.0;
+    if (bothNeutral || !exactZero) return CieDe2000Literal(lab1, lab2);
+    bisectorA = c1p == 0.0 ? a2p : a1p;
+    bisectorB = c1p == 0.0 ? b2 : b1;
+  } else {
+    if (cross == 0.0 && dot < 0.0) return CieDe2000Literal(lab1, lab2);
+    deltaHBig = dot >= 0.0 ? cross * std::sqrt(2.0 / (chromaProduct + dot))
+                           : std::copysign(std::sqrt(2.0 * (chromaProduct - dot)), cross);
+    // The sum of the unit hue vectors, or, for hues more than 90 degrees
+    // apart where that sum cancels, their difference turned by a quarter
+    // turn towards it.
+    const double unit1A = a1p / c1p, unit1B = b1 / c1p;
+    const double unit2A = a2p / c2p, unit2B = b2 / c2p;
+    const double turn = std::copysign(1.0, cross);
+    bisectorA = dot >= 0.0 ? unit1A + unit2A : turn * (unit2B - unit1B);
+    bisectorB = dot >= 0.0 ? unit1B + unit2B : turn * (unit1A - unit2A);
+  }
   const double bisectorNorm = std::sqrt(bisectorA * bisectorA + bisectorB * bisectorB);
-  double hueMean = std::atan2(bisectorB, bisectorA) * kRadian;
-  if (hueMean < 0.0) hueMean += 360.0;
-  return Weighted(L2 - L1, c2p - c1p, deltaHBig, (L1 + L2) / 2.0, (c1p + c2p) / 2.0, hueMean,
-                  bisectorA / bisectorNorm, bisectorB / bisectorNorm);
+  double deltaTheta = 0.0;
+  if (!(bisectorA >= 0.0 && bisectorB >= 0.0)) {
+    double hueMean = std::atan2(bisectorB, bisectorA) * kRadian;
+    if (hueMean < 0.0) hueMean += 360.0;
+    deltaTheta = RotationDegrees(hueMean);
+  }
+  return Weighted(L2 - L1, c2p - c1p, deltaHBig, (L1 + L2) / 2.0, (c1p + c2p) / 2.0,
+                  bisectorA / bisectorNorm, bisectorB / bisectorNorm, deltaTheta);
 }
 
 // CIE 15:2004, CIELAB with epsilon 216/24389 and kappa 24389/27.

@@ -72,8 +72,8 @@ TEST(CieDe2000Test, MatchesThePublishedPairsInBothOrders) {
 }
 
 // The fast form against the paper's equations: random colours, colours a
-// small step apart (where dH' would cancel) and hues nearly or exactly
-// opposite (where the mean hue's branch decides).
+// small step apart (where dH' would cancel), neutral colours, and hues
+// nearly or exactly opposite (where the mean hue's branch decides).
 TEST(CieDe2000Test, AgreesWithTheLiteralEquations) {
   std::mt19937_64 random(7);
   std::uniform_real_distribution<double> lightness(0.0, 100.0);
@@ -89,6 +89,7 @@ TEST(CieDe2000Test, AgreesWithTheLiteralEquations) {
     const cv::Vec3d lab1(lightness(random), axis(random), axis(random));
     check(lab1, {lightness(random), axis(random), axis(random)});
     check(lab1, lab1 + cv::Vec3d(step(random), step(random), step(random)));
+    check({lightness(random), 0.0, 0.0}, lab1);
     const double hue = angle(random);
     const double opposite = hue + 3.141592653589793 + step(random);
     check({50.0, 30.0 * std::cos(hue), 30.0 * std::sin(hue)},
