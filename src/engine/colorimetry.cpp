@@ -206,13 +206,15 @@ double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
     // The sum of the unit hue vectors, or, for hues more than 90 degrees
     // apart where that sum cancels, their difference turned by a quarter
     // turn towards it.
-    const double unit1A = a1p / c1p, unit1B = b1 / c1p;
-    const double unit2A = a2p / c2p, unit2B = b2 / c2p;
+    const double inverse1 = 1.0 / c1p;
+    const double inverse2 = 1.0 / c2p;
+    const double unit1A = a1p * inverse1, unit1B = b1 * inverse1;
+    const double unit2A = a2p * inverse2, unit2B = b2 * inverse2;
     const double turn = std::copysign(1.0, cross);
     bisectorA = dot >= 0.0 ? unit1A + unit2A : turn * (unit2B - unit1B);
     bisectorB = dot >= 0.0 ? unit1B + unit2B : turn * (unit1A - unit2A);
   }
-  const double bisectorNorm = std::sqrt(bisectorA * bisectorA + bisectorB * bisectorB);
+  const double inverseNorm = 1.0 / std::sqrt(bisectorA * bisectorA + bisectorB * bisectorB);
   double deltaTheta = 0.0;
   if (!(bisectorA >= 0.0 && bisectorB >= 0.0)) {
     double hueMean = std::atan2(bisectorB, bisectorA) * kRadian;
@@ -220,7 +222,7 @@ double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
     deltaTheta = RotationDegrees(hueMean);
   }
   return Weighted(L2 - L1, c2p - c1p, deltaHBig, (L1 + L2) / 2.0, (c1p + c2p) / 2.0,
-                  bisectorA / bisectorNorm, bisectorB / bisectorNorm, deltaTheta);
+                  bisectorA * inverseNorm, bisectorB * inverseNorm, deltaTheta);
 }
 
 // CIE 15:2004, CIELAB with epsilon 216/24389 and kappa 24389/27.
