@@ -1,13 +1,15 @@
 // The target search and each of its stages on synthetic screens of 1920 x
-// 1080 and 3840 x 2160 LEDs. Every stage runs beside its literal form on the
-// same data (a full sort for the fences, a 32-bit raster drawn cell by cell
-// with cv::connectedComponents, a full coverage count per step; for the
-// subsampling, one plain copy of the input planes), so the ratio is the
-// figure that holds on a busy machine.
+// 1080 and 3840 x 2160 LEDs. The search and the corner stage also run beside
+// their form that counts the LEDs' edges over the whole raster. Every stage
+// runs beside its literal form on the same data (a full sort for the
+// fences, a 32-bit raster drawn cell by cell with cv::connectedComponents, a
+// full coverage count per step; for the subsampling, one plain copy of the
+// input planes), so the ratio is the figure that holds on a busy machine.
 #include <benchmark/benchmark.h>
 
 #include <array>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <utility>
 
@@ -65,6 +67,11 @@ Fixture& ScreenFixture(int cols, int rows) {
   f.means = {MeanLxy(f.red), MeanLxy(f.green), MeanLxy(f.blue), TargetLxy{}};
   f.mask = OutlierMask(f.handle, f.red, f.green, f.blue, f.means);
   GamutCorners(f.handle, f.corners, f.mask, f.red, f.green, f.blue, f.means);
+  // Times nothing whose corners differ from those of counting the whole raster.
+  TargetBlock wholeRaster = {};
+  cv::Mat region = RegionImage(f.mask, f.red, f.green, f.blue, f.means);
+  CornersFromRegion(region, wholeRaster);
+  if (std::memcmp(&wholeRaster, &f.corners, sizeof wholeRaster) != 0) std::abort();
   f.handle.percentEnd = {0.9f, 0.9f, 0.9f, 0.9f};
   return f;
 }
@@ -73,6 +80,25 @@ void BM_Search(benchmark::State& state) {
   Fixture& f = ScreenFixture(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
   for (auto _ : state) {
     benchmark::DoNotOptimize(f.handle.Search(&f.input[0], &f.input[1], &f.input[2]));
+  }
+}
+
+// The search as it was before the corner stage kept to the seed's reach:
+// the same stages, the corners from counting every edge over the whole
+// raster. The in-process baseline of BM_Search.
+void BM_SearchWholeRasterCorners(benchmark::State& state) {
+  Fixture& f = ScreenFixture(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+  for (auto _ : state) {
+    ChromaLxy red, green, blue;
+    Subsample(f.input[0], f.input[1], f.input[2], red, green, blue);
+    const TargetBlock means = {MeanLxy(red), MeanLxy(green), MeanLxy(blue), TargetLxy{}};
+    const cv::Mat mask = OutlierMask(f.handle, red, green, blue, means);
+    TargetBlock corners = {};
+    cv::Mat region = RegionImage(mask, red, green, blue, means);
+    CornersFromRegion(region, corners);
+    TargetBlock final = {};
+    SearchTargets(f.handle, final, mask, red, green, blue, means, corners);
+    benchmark::DoNotOptimize(final);
   }
 }
 
@@ -141,6 +167,18 @@ void BM_GamutCorners(benchmark::State& state) {
   }
 }
 
+// The corner stage counting every edge over the whole raster: the in-process
+// baseline for the count that stays inside the seed's reach.
+void BM_GamutCornersWholeRaster(benchmark::State& state) {
+  Fixture& f = ScreenFixture(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+  for (auto _ : state) {
+    TargetBlock corners = {};
+    cv::Mat region = RegionImage(f.mask, f.red, f.green, f.blue, f.means);
+    CornersFromRegion(region, corners);
+    benchmark::DoNotOptimize(corners);
+  }
+}
+
 void BM_GamutCornersLiteral(benchmark::State& state) {
   Fixture& f = ScreenFixture(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
   for (auto _ : state) {
@@ -170,12 +208,14 @@ void BM_SearchTargetsLiteral(benchmark::State& state) {
 
 #define SCREEN_SIZES Args({1920, 1080})->Args({3840, 2160})->Unit(benchmark::kMillisecond)
 BENCHMARK(BM_Search)->SCREEN_SIZES;
+BENCHMARK(BM_SearchWholeRasterCorners)->SCREEN_SIZES;
 BENCHMARK(BM_SearchLiteral)->SCREEN_SIZES;
 BENCHMARK(BM_Subsample)->SCREEN_SIZES;
 BENCHMARK(BM_CopyInputPlanes)->SCREEN_SIZES;
 BENCHMARK(BM_MeansAndMask)->SCREEN_SIZES;
 BENCHMARK(BM_MeansAndMaskLiteral)->SCREEN_SIZES;
 BENCHMARK(BM_GamutCorners)->SCREEN_SIZES;
+BENCHMARK(BM_GamutCornersWholeRaster)->SCREEN_SIZES;
 BENCHMARK(BM_GamutCornersLiteral)->SCREEN_SIZES;
 BENCHMARK(BM_SearchTargets)->SCREEN_SIZES;
 BENCHMARK(BM_SearchTargetsLiteral)->SCREEN_SIZES;

@@ -22,6 +22,8 @@ constexpr int kMaxOpenCrossings = 10;
 // Values of the region image.
 constexpr uint8_t kRegionOpen = 255;
 constexpr uint8_t kRegionWall = 0;
+// The value CornersFromRegion gives the cells of the seed's region.
+constexpr uint8_t kRegionSeed = 1;
 
 // Adds 1 to every cell of the segment p0-p1 (Segment::ForEachCell) of
 // `raster`, a kRasterSize x kRasterSize matrix of 32-bit signed counters.
@@ -48,6 +50,20 @@ bool DrawLine(RasterPoint p0, RasterPoint p1, cv::Mat& raster);
 cv::Mat RegionImage(const cv::Mat& mask, const ChromaLxy& red, const ChromaLxy& green,
                     const ChromaLxy& blue, const TargetBlock& means);
 
+// A region image that agrees with RegionImage on the seed's region and on
+// the walls around it, and may differ elsewhere, so CornersFromRegion finds
+// the same corners in both. It counts the LEDs' edges only where the seed's
+// region can still lie: the seed's component of open cells in the counts so
+// far holds the final one (walls only grow), so after the mean outline and
+// then after 1024, 4096, ... LEDs the component is found again, and the
+// later edges are counted only inside the half-planes and tiles that hold
+// it. On a real screen the component is the inside of the mean triangle
+// less the bands where the LEDs' edges crowd, so most edges are not walked
+// at all. When the seed cell is a wall (its region is then every wall of
+// the raster) it returns RegionImage.
+cv::Mat SeedRegionImage(const cv::Mat& mask, const ChromaLxy& red, const ChromaLxy& green,
+                        const ChromaLxy& blue, const TargetBlock& means);
+
 // The corners of the region that holds the seed cell (row 660, column 660;
 // 660 = nearest(2000 x 0.33)), found from a region image: starting at
 // (660, 660) each, scanning rows from 0 and each row from column 0, a cell
@@ -62,10 +78,11 @@ cv::Mat RegionImage(const cv::Mat& mask, const ChromaLxy& red, const ChromaLxy& 
 // seed is a wall cell, it is the set of all wall cells. (A 16-bit labelling
 // with more than 65535 components would give unrelated components the
 // seed's label; here only the seed's own component ever counts.) `region`
-// is used as working space and is left with the seed component marked.
+// is used as working space and is left with the seed component marked
+// kRegionSeed (when the seed is open).
 void CornersFromRegion(cv::Mat& region, TargetBlock& corners);
 
-// The corner stage: RegionImage, then CornersFromRegion. Writes only the
+// The corner stage: SeedRegionImage, then CornersFromRegion. Writes only the
 // x and y of the red, green and blue entries of `corners`. The handle is not
 // read. Precondition: the mask (8-bit) and all planes have the red L
 // plane's shape.

@@ -21,6 +21,21 @@ cv::Mat KeepAll(int count) { return cv::Mat(1, count, CV_8UC1, cv::Scalar(255));
 const TargetBlock kFarMeans = {
     TargetLxy{1, 0.95f, 0.95f}, TargetLxy{1, 0.94f, 0.96f}, TargetLxy{1, 0.94f, 0.95f}, {}};
 
+// Whether cell (seed, seed) lies strictly inside the triangle of the means'
+// raster points (false for a degenerate or NaN triangle).
+bool InMeanTriangle(const TargetBlock& means, int seed) {
+  RasterPoint p[3];
+  for (int i = 0; i < 3; ++i) {
+    if (!ToRasterPoint(means[i].x, means[i].y, p[i])) return false;
+  }
+  int64_t sides[3];
+  for (int i = 0; i < 3; ++i) {
+    const RasterPoint a = p[i], b = p[(i + 1) % 3];
+    sides[i] = int64_t{b.col - a.col} * (seed - a.row) - int64_t{b.row - a.row} * (seed - a.col);
+  }
+  return (sides[0] > 0 && sides[1] > 0 && sides[2] > 0) || (sides[0] < 0 && sides[1] < 0 && sides[2] < 0);
+}
+
 TEST(DrawLine, CellsOfHandMadeSegmentsAndOfTheDoubleFormula) {
   const Cells shallow = {{0, 0}, {0, 1}, {1, 2}, {1, 3}};
   EXPECT_EQ(SegmentCells({0, 0}, {3, 1}), shallow);
@@ -165,6 +180,92 @@ TEST(GamutCorners, MatchesTheLiteralStageBitForBit) {
     GamutCorners(Aimhue(), corners, mask, sets[0], sets[1], sets[2], means);
     EXPECT_TRUE(SameBits(corners, expected));
   });
+}
+
+// Random and contrived screens on which counting only inside the seed's
+// reach must find the very region (and corners) of counting the whole
+// raster: LED triangles scattered from a fraction of a cell to wide around a
+// random triangle, some LEDs off the raster or NaN, up to 20000 LEDs (so
+// the reach narrows up to four times); means that are the LEDs' own, hold the
+// seed or not, are collinear, coincident, NaN or put the seed on the mean
+// outline; and screens whose edges make the seed a wall before or after the
+// reach first narrows after LEDs (the whole-raster fallback).
+TEST(SeedRegionImage, FindsTheWholeRastersSeedRegionOnAdversarialScreens) {
+  int seedWalls = 0;
+  int seedOutsideMeans = 0;
+  ForRandomInputs(23, 64, [&](std::mt19937& random, int trial) {
+    const int sizes[][2] = {{1, 1}, {1, 2}, {2, 3}, {20, 30}, {40, 60}, {60, 90}, {100, 200}};
+    const auto [rows, cols] = sizes[trial % 32 == 31 ? 6 : Pick(random, 0, 5)];
+    const int shape = Pick(random, 0, 3);
+    // The triangle the LEDs scatter around: typical primaries, anywhere,
+    // small and away from the seed, or with an edge through the seed.
+    Chromaticity centre[3] = {{0.68f, 0.31f}, {0.2f, 0.7f}, {0.14f, 0.05f}};
+    for (Chromaticity& p : centre) {
+      if (shape == 0) p = {p.x + Uniform(random, -0.05f, 0.05f), p.y + Uniform(random, -0.05f, 0.05f)};
+      if (shape == 1) p = {Uniform(random, 0, 1), Uniform(random, 0, 1)};
+      if (shape == 2) p = {Uniform(random, 0.5f, 0.6f), Uniform(random, 0.05f, 0.15f)};
+    }
+    if (shape == 3) centre[0] = {0.33f, 0.05f}, centre[1] = {0.33f, 0.6f};
+    const float spread = shape == 3 ? 0.0001f : 0.0003f * std::pow(200.0f, Uniform(random, 0, 1));
+    const float wild = Pick(random, 0, 2) == 0 ? 0.02f : 0.0f;
+    std::normal_distribution<float> noise(0.0f, spread);
+    ChromaLxy sets[3];
+    for (int p = 0; p < 3; ++p) {
+      sets[p] = UniformSet(rows, cols, centre[p].x, centre[p].y);
+      for (cv::Mat* plane : {&sets[p].x, &sets[p].y}) {
+        for (float& value : cv::Mat_<float>(*plane)) {
+          value += noise(random);
+          if (Uniform(random, 0, 1) < wild) {
+            const float odd[] = {Uniform(random, -0.3f, 1.3f), kNaN, std::numeric_limits<float>::infinity()};
+            value = odd[Pick(random, 0, 2)];
+          }
+        }
+      }
+    }
+    cv::Mat mask(rows, cols, CV_8UC1, cv::Scalar(255));
+    if (Pick(random, 0, 3) == 0) cv::randu(mask, 0, 2);
+    TargetBlock means = {MeanLxy(sets[0]), MeanLxy(sets[1]), MeanLxy(sets[2]), TargetLxy{}};
+    const Chromaticity point{Uniform(random, 0, 1), Uniform(random, 0, 1)};
+    switch (Pick(random, 0, 7)) {
+      case 0:  // the centre triangle
+        for (int p = 0; p < 3; ++p) means[p] = {1, centre[p].x, centre[p].y};
+        break;
+      case 1:  // anywhere (mostly without the seed)
+        for (int p = 0; p < 3; ++p) means[p] = {1, Uniform(random, 0, 1), Uniform(random, 0, 1)};
+        break;
+      case 2:  // collinear, through the seed or not
+        for (int p = 0; p < 3; ++p) {
+          const float t = Uniform(random, -1, 1);
+          means[p] = {1, point.x + t * (0.33f - point.x), point.y + t * (0.33f - point.y)};
+          if (trial % 2) means[p].y += 0.1f;
+        }
+        break;
+      case 3:  // all three, or two, at one point
+        means[0] = means[1] = {1, point.x, point.y};
+        if (trial % 2) means[2] = means[0];
+        break;
+      case 4:  // the seed on the mean outline
+        means[0] = {1, 0.33f, 0.33f};
+        break;
+      case 5:  // off the raster
+        means[Pick(random, 0, 2)].x = trial % 2 ? kNaN : 1.5f;
+        break;
+      default:  // the LEDs' own means
+        break;
+    }
+    cv::Mat whole = RegionImage(mask, sets[0], sets[1], sets[2], means);
+    cv::Mat reached = SeedRegionImage(mask, sets[0], sets[1], sets[2], means);
+    TargetBlock expected = {}, corners = {};
+    CornersFromRegion(whole, expected);
+    CornersFromRegion(reached, corners);
+    ASSERT_TRUE(SameBits(corners, expected)) << corners[0].x << " " << expected[0].x;
+    ASSERT_EQ(cv::countNonZero((whole == kRegionSeed) != (reached == kRegionSeed)), 0);
+    const int seed = 660;
+    seedWalls += whole.at<uint8_t>(seed, seed) == kRegionWall;
+    seedOutsideMeans += !InMeanTriangle(means, seed);
+  });
+  EXPECT_GT(seedWalls, 10);
+  EXPECT_GT(seedOutsideMeans, 30);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "engine/primary_means.h"
 #include "engine/subsample.h"
 #include "support/chroma_sets.h"
+#include "support/literal_search_stages.h"
 #include "support/log_capture.h"
 
 namespace aimhue {
@@ -91,6 +92,35 @@ TEST(TargetSearch, ADeadLedMakesTheMeansNanWithoutHarm) {
   handle.percentEnd = {0.9f, 0.9f, 0.9f, 0.9f};
   ASSERT_EQ(handle.Search(&sets[0], &sets[1], &sets[2]), kOk);
   for (int p = 0; p < 3; ++p) EXPECT_TRUE(std::isnan(handle.target[p].y)) << p;
+}
+
+// The search against its stages in their plain forms (the fences by a full
+// sort, the corners by a 32-bit raster and a labelling, a full coverage
+// count per step), bit for bit, at the default and at a lower share.
+TEST(TargetSearch, MatchesThePlainStagesBitForBit) {
+  for (const uint64_t seed : {7u, 8u}) {
+    const synthetic::ScreenChroma sets = testing::SyntheticSets(testing::SmallScreen(60, 80, seed));
+    const TargetBlock means = {MeanLxy(sets[0]), MeanLxy(sets[1]), MeanLxy(sets[2]), TargetLxy{}};
+    cv::Mat mask(sets[0].L.size(), CV_8UC1, cv::Scalar(255));
+    for (int p = 0; p < 3; ++p) {
+      const cv::Mat distances = ChromaDistance(sets[p], means[p]);
+      mask.setTo(0, distances >= literal::Fence(distances));
+    }
+    TargetBlock corners = {};
+    literal::GamutCorners(corners, mask, sets[0], sets[1], sets[2], means);
+    for (const float share : {1.0f, 0.9f}) {
+      Aimhue handle;
+      handle.percentEnd = {share, share, share, share};
+      TargetBlock expected = {};
+      literal::SearchTargets(handle, expected, mask, sets[0], sets[1], sets[2], means, corners);
+      ASSERT_EQ(handle.Search(&sets[0], &sets[1], &sets[2]), kOk);
+      for (int p = 0; p < 3; ++p) {
+        EXPECT_TRUE(SameBits(handle.searchStart[p], means[p])) << seed << " " << p;
+        EXPECT_EQ(handle.searchEnd[p].x, expected[p].x) << seed << " " << share << " " << p;
+        EXPECT_EQ(handle.searchEnd[p].y, expected[p].y) << seed << " " << share << " " << p;
+      }
+    }
+  }
 }
 
 }  // namespace
