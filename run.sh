@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # One entry point for a fresh machine or a warm checkout:
-#   ./run.sh demo   install what is missing, build, run the demo
+#   ./run.sh demo   install what is missing, build the library and the tool
+#                   only (not the tests), run the demo
 #   ./run.sh test   install what is missing, build and run every test:
 #                   release build, address/undefined sanitizer build,
 #                   thread sanitizer build of the concurrency tests, and a
@@ -20,9 +21,25 @@ packages=(
   libcli11-dev nlohmann-json3-dev
   clang libclang-rt-14-dev
   python3-tifffile python3-numpy
+  pybind11-dev python3-dev python3-pytest python3-matplotlib help2man
 )
 
 log() { printf '== %s\n' "$*"; }
+
+# The release tree also builds the Python module (the sanitizer trees do not:
+# a sanitized module cannot be loaded by an unsanitized python3).
+release_options=(-DAIMHUE_BUILD_PYTHON=ON)
+
+# Makes `/usr/bin/python3 -c "import aimhue"` find the module of
+# build/release: a .pth file in the user's site-packages names that folder
+# (no root needed; delete the file to undo).
+link_python_module() {
+  local site
+  site=$(/usr/bin/python3 -m site --user-site)
+  mkdir -p "$site"
+  printf '%s\n' "$PWD/build/release/python" >"$site/aimhue-build.pth"
+  log "python3 finds aimhue through $site/aimhue-build.pth"
+}
 
 setup() {
   local missing=() package
@@ -118,13 +135,18 @@ fuzz() {
 case "${1:-}" in
   demo)
     setup
-    build release
+    # Only what the demo runs; the same tree, so that "test" later builds
+    # just the rest.
+    log "building the library and the tool in build/release"
+    configure release "${release_options[@]}"
+    cmake --build build/release -j "$jobs" --target aimhue_tool aimhue_python
+    link_python_module
     log "demo"
     ./build/release/tools/aimhue/aimhue demo --size 320x180 --out build/demo
     ;;
   test)
     setup
-    build release
+    build release "${release_options[@]}"
     run_tests release
     build sanitize -DAIMHUE_SANITIZE=address,undefined -DAIMHUE_BUILD_EXAMPLES=OFF
     run_tests sanitize
@@ -137,7 +159,7 @@ case "${1:-}" in
     ;;
   build)
     setup
-    build release
+    build release "${release_options[@]}"
     ;;
   bench)
     setup

@@ -23,8 +23,8 @@ int Check(const char* call, int status) {
   return status;
 }
 
-void PrintPoint(const char* name, const float* point) {
-  std::printf("  %-5s L %10.3f  x %.4f  y %.4f\n", name, point[0], point[1], point[2]);
+void PrintPoint(const char* name, const aimhue::TargetLxy& point) {
+  std::printf("  %-5s L %10.3f  x %.4f  y %.4f\n", name, point.L, point.x, point.y);
 }
 
 }  // namespace
@@ -50,9 +50,9 @@ int main(int argc, char** argv) {
       if (Check("LedMeter::FixDeadPoint", meter.FixDeadPoint()) != 0) return 1;
     }
   }
-  const aimhue::LedMeter* red[3] = {&screen[0][0], &screen[0][1], &screen[0][2]};
-  const aimhue::LedMeter* green[3] = {&screen[1][0], &screen[1][1], &screen[1][2]};
-  const aimhue::LedMeter* blue[3] = {&screen[2][0], &screen[2][1], &screen[2][2]};
+  const aimhue::LedMeter* red[aimhue::kPrimaryCount] = {&screen[0][0], &screen[0][1], &screen[0][2]};
+  const aimhue::LedMeter* green[aimhue::kPrimaryCount] = {&screen[1][0], &screen[1][1], &screen[1][2]};
+  const aimhue::LedMeter* blue[aimhue::kPrimaryCount] = {&screen[2][0], &screen[2][1], &screen[2][2]};
 
   // 2. An engine handle and its settings: 99 % of the LEDs must reach each
   //    target; a later screen is NG when its coverage drops by more than 5 %.
@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
 
   // 3. The target search, then the targets placed at the search's final
   //    result (fractions 1.0) and balanced to a D65 white.
-  if (status == 0) status = Check("AimhueSearch", AimhueSearch(handle, red, green, blue, 3));
+  if (status == 0) status = Check("AimhueSearch", AimhueSearch(handle, red, green, blue, aimhue::kPrimaryCount));
   const float fractions[4] = {1.0f, 1.0f, 1.0f, 1.0f};
   if (status == 0) {
     status = Check("AimhueSetPercentCalcChroma", AimhueSetPercentCalcChroma(handle, fractions));
@@ -73,33 +73,33 @@ int main(int argc, char** argv) {
   if (status == 0) status = Check("AimhueCalcWhite", AimhueCalcWhite(handle, 1.0f, &d65, 0));
 
   // 4. Read the targets and measure how many LEDs reach them.
-  float targets[12] = {};
+  float targets[aimhue::kTargetBlockFloats] = {};
   float coverage[4] = {};
   if (status == 0) status = Check("AimhueGet", AimhueGet(handle, targets, nullptr));
   if (status == 0) {
     status = Check("AimhueCalcPercentOfTarget",
-                   AimhueCalcPercentOfTarget(red, green, blue, targets, coverage, nullptr, 3));
+                   AimhueCalcPercentOfTarget(red, green, blue, targets, coverage, nullptr, aimhue::kPrimaryCount));
   }
 
   // 5. Fix the NG limit from this screen and judge it (a later run would
   //    judge a new measurement), then save the results for the next run.
   bool ng = true;
   if (status == 0) {
-    status = Check("AimhueCalcPercentNG", AimhueCalcPercentNG(handle, red, green, blue, 3));
+    status = Check("AimhueCalcPercentNG", AimhueCalcPercentNG(handle, red, green, blue, aimhue::kPrimaryCount));
   }
   if (status == 0) {
-    status = Check("AimhueJudgeNG", AimhueJudgeNG(handle, &ng, red, green, blue, 3));
+    status = Check("AimhueJudgeNG", AimhueJudgeNG(handle, &ng, red, green, blue, aimhue::kPrimaryCount));
   }
   if (status == 0) status = Check("AimhueSave", AimhueSave(handle, resultsFile));
   AimhueDestroyHandle(handle);
   if (status != 0) return 1;
 
   std::printf("screen %d x %d LEDs\ntargets:\n", options.cols, options.rows);
-  PrintPoint("red", targets);
-  PrintPoint("green", targets + 3);
-  PrintPoint("blue", targets + 6);
+  PrintPoint("red", aimhue::TargetAt(targets, aimhue::kRedPoint));
+  PrintPoint("green", aimhue::TargetAt(targets, aimhue::kGreenPoint));
+  PrintPoint("blue", aimhue::TargetAt(targets, aimhue::kBluePoint));
   std::printf("white point:\n");
-  PrintPoint("white", targets + 9);
+  PrintPoint("white", aimhue::TargetAt(targets, aimhue::kWhitePoint));
   std::printf("coverage: red %.2f %%, green %.2f %%, blue %.2f %%, all three %.2f %%\n",
               100.0 * coverage[0], 100.0 * coverage[1], 100.0 * coverage[2],
               100.0 * coverage[3]);

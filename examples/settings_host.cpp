@@ -40,14 +40,14 @@ int main() {
   const float fractions[4] = {0.8f, 0.8f, 0.8f, 1.0f};
   Report("AimhueSetPercentCalcChroma", AimhueSetPercentCalcChroma(handle, fractions));
 
-  float targets[12];
+  float targets[aimhue::kTargetBlockFloats];
   float stored[4];
   Report("AimhueGet", AimhueGet(handle, targets, stored));
   std::printf("\n  fractions  %.3f %.3f %.3f %.3f\n", stored[0], stored[1], stored[2], stored[3]);
   static const char* const kNames[] = {"red", "green", "blue", "white"};
-  for (int point = 0; point < 4; ++point) {
-    std::printf("  %-6s L %8.3f  x %.4f  y %.4f\n", kNames[point], targets[3 * point],
-                targets[3 * point + 1], targets[3 * point + 2]);
+  for (int point = 0; point < aimhue::kTargetPointCount; ++point) {
+    const aimhue::TargetLxy target = aimhue::TargetAt(targets, point);
+    std::printf("  %-6s L %8.3f  x %.4f  y %.4f\n", kNames[point], target.L, target.x, target.y);
   }
   std::printf("  (targets stay zero until a search or a load fills them)\n\n");
 

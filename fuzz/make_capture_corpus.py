@@ -1,6 +1,8 @@
 #!/usr/bin/python3
 """Writes the seed corpus of the capture fuzz targets into fuzz/corpus/<target>/:
-dng_reader_fuzz, pgm_reader_fuzz and shot_buffer_fuzz.
+dng_reader_fuzz, pgm_reader_fuzz, shot_buffer_fuzz and shot_operations_fuzz
+(the shots that crashed an operation once are written by
+tests/data/make_bad_inputs.py).
 
 Run from anywhere: /usr/bin/python3 fuzz/make_capture_corpus.py
 TIFF seeds come from tifffile (an independent writer); the others are small
@@ -72,11 +74,16 @@ def main():
     layer = words(16) + struct.pack("<ifi", 3, 0.5, 128)
     pattern = words(32) + struct.pack("<7i", 1, 2, 2, 1, 0, 1, 1)
     color = words(64) + struct.pack("<i", 2)
-    write("shot_buffer_fuzz", "empty", shot(0, empty))
-    write("shot_buffer_fuzz", "grey_color_only", shot(0x20, grey23, color))
-    write("shot_buffer_fuzz", "all_records",
-          shot(0x70, colour11, device + capture + part + panel + layer + pattern + color))
-    write("shot_buffer_fuzz", "unknown_tag_no_end", shot(0x2, grey23, words(77) + layer, end=False))
+    for target in ("shot_buffer_fuzz", "shot_operations_fuzz"):
+        write(target, "empty", shot(0, empty))
+        write(target, "grey_color_only", shot(0x20, grey23, color))
+        write(target, "all_records",
+              shot(0x70, colour11, device + capture + part + panel + layer + pattern + color))
+        write(target, "unknown_tag_no_end", shot(0x2, grey23, words(77) + layer, end=False))
+    # A capture of cell (1, 0) of a 2 x 2 grid over a 3 x 2 partition, as a
+    # measurement would add it.
+    write("shot_operations_fuzz", "grid_capture",
+          shot(0x2, grey23, part + words(32) + struct.pack("<7i", 1, 2, 2, 1, 0, -1, -1) + color))
 
 
 if __name__ == "__main__":

@@ -14,6 +14,7 @@
 #include <aimhue/led_set.h>
 #include <aimhue/plume_log.h>
 #include <aimhue/records.h>
+#include <aimhue/screen.h>
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
 #include <aimhue/target.h>

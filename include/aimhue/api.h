@@ -53,6 +53,24 @@ struct AimhueImage {
   const void* data;     // rows one after another, no gap between rows
 };
 
+// Everything an engine handle holds, read in one call by AimhueGetResults.
+struct AimhueResults {
+  aimhue::TargetLxy targets[4];      // the target block, as AimhueGet: red, green, blue, white
+  aimhue::TargetLxy searchStart[4];  // the search's first stage: the primaries' means
+  aimhue::TargetLxy searchEnd[4];    // the search's final points
+  float fractions[4];                // interpolation fractions (AimhueSetPercentCalcChroma)
+  float percentEnd[4];               // required coverage red, green, blue, all
+  float ngLimit;                     // NG limit (AimhueCalcPercentNG or a load)
+  float ngThresh;                    // NG threshold (AimhueSetNGThresh)
+  float whiteScale;                  // the gain cap of AimhueCalcWhite without `flag`
+  // LEDs that the last search's outlier mask excluded because of each
+  // primary (red, green, blue), counted over the search's working LEDs
+  // (every LED of a screen of at most 100000, else the subsample); an LED
+  // far out in two primaries counts in both. -1 when no search has run on
+  // the handle since it was created or loaded (the counts are not saved).
+  int32_t outliers[3];
+};
+
 extern "C" {
 
 // Allocates an engine record with its defaults and stores it in *out.
@@ -101,6 +119,19 @@ AIMHUE_EXPORT int AimhueSetPercentCalcChroma(AimhueHandle handle, const float* c
 // interpolation fractions to `out_chroma`. Status: 1 for a null handle or
 // null `out_targets`.
 AIMHUE_EXPORT int AimhueGet(AimhueHandle handle, float* out_targets, float* out_chroma);
+
+// Copies everything the handle holds into *out (see AimhueResults).
+// Status: 1 for a null handle or null `out`.
+AIMHUE_EXPORT int AimhueGetResults(AimhueHandle handle, AimhueResults* out);
+
+// Replaces the target block with a caller's twelve floats (red, green,
+// blue, white, each L, x, y; the layout AimhueGet returns), so that a host
+// can calibrate to a gamut of its own and then use the white point, NG and
+// persistence functions on it. Both search results and the settings are
+// kept. Status: 1 for a null handle or null `targets`; 9 when any of the
+// twelve is not finite or a point's y is not greater than 0 (logged as
+// "AimhueSetTargets--Error :: ..."), with nothing stored.
+AIMHUE_EXPORT int AimhueSetTargets(AimhueHandle handle, const float* targets);
 
 // The computing functions below take each primary as a meter triple: a
 // pointer to an array of three LedMeter pointers, the CIE X, Y and Z meters

@@ -3,8 +3,12 @@
 // interprets colour; demosaicing is Shot::SetImageColor's.
 //
 // Every reader reports failure by an empty matrix (or false) after one
-// message. Declared sizes are checked against the bytes the file holds
-// before anything is allocated, and nothing is read outside the file.
+// message. Only regular files are read (links are followed): a directory, a
+// FIFO or a device fails as a file that cannot be opened, without waiting.
+// Declared sizes are checked against the bytes the file holds before
+// anything is allocated, and nothing is read outside the file. Memory
+// exhausted on the way is a failure too, logged as
+// "BImage::<Reader>--Error :: exception: <what>".
 #ifndef AIMHUE_BIMAGE_H_
 #define AIMHUE_BIMAGE_H_
 

@@ -10,10 +10,14 @@
 //
 // Each function logs its name on the information channel on entry and
 // returns false only when the file cannot be opened (after logging
-// "BIO::<Function> -- Failed to Open file. fullname = <name>") or, for
-// LoadTxtToMat, when the size is invalid. Damaged contents do not give
-// false: they leave the output unchanged or partly filled as documented,
-// and log an error line.
+// "BIO::<Function> -- Failed to Open file. fullname = <name>"), for
+// LoadTxtToMat when the size is invalid, and when the work runs out of
+// memory ("BIO::<Function>--Error :: exception: <what>", outputs
+// unchanged). The readers open only regular files (links are followed): a
+// directory, a FIFO or a device is refused as a file that cannot be opened,
+// and no reader reads more than the file's size. Damaged contents do not
+// give false: they leave the output unchanged or partly filled as
+// documented, and log an error line.
 #ifndef AIMHUE_BIO_H_
 #define AIMHUE_BIO_H_
 

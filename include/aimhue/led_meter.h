@@ -42,7 +42,8 @@ enum MeterCheck : uint32_t {
   kCheckLayerNormsSame = 0x80000,
   // The checks of the chromaticity combination: present, chroma not empty,
   // same chroma size, valid types, pairwise different types, same colour.
-  kCheckForCombine = 0x257,
+  kCheckForCombine = kCheckNotNull | kCheckChromaNotEmpty | kCheckChromaSizeSame |
+                     kCheckTypeValid | kCheckTypeDifferent | kCheckColorSame,
 };
 
 class AIMHUE_EXPORT LedMeter {
@@ -137,18 +138,26 @@ class AIMHUE_EXPORT LedMeter {
   int ToBuffer(char* buffer, uint64_t* size) const;
   int FromBuffer(const char* buffer, uint64_t size);
 
-  // Building a meter from captures and working on it.
+  // Building a meter from captures and working on it. An exception inside
+  // any of these (memory exhausted, an element type OpenCV does not handle)
+  // is logged as "LedMeter::<Method>--Error :: exception: <what>" and
+  // reported as 9, with the meter and every output unchanged.
   //
-  // CheckInput: validation and bookkeeping before an Add. The shot needs a
-  // single-channel image, a colour, a valid pattern (the capture grid: map
-  // columns and rows = interval_x/_y, cell = loc_x/_y, no wider than the
-  // partition, else 104) and a partition (else 108). Each given set needs a
-  // non-empty 8-bit state and data of the same size (values CV_32FC1,
-  // positions two 32-bit channels; else 109) holding exactly the LEDs that
-  // the pattern lights inside the partition (else 400). The first capture
-  // sets the meter up from the shot (records, colour, type, zeroed planes,
-  // add_map of ones); later ones must match it (404, 102). A cell added
-  // twice gives 401; the first capture's set-up then stays.
+  // CheckInput: validation and bookkeeping before an Add, in this order:
+  // a shot and at least one set (1); a single-channel image (403); the
+  // shot's colour and pattern (Shot::Check); non-empty sets (5); a
+  // partition (108); with both sets, equal sizes matching the pattern's lit
+  // counts (400). While a measurement is under way (add_map not empty) the
+  // sets given must match the planes the meter has (404), and the shot's
+  // colour, type, partition size and grid must be the meter's (102). Then
+  // the checks that keep Add inside the planes: a valid pattern (the capture
+  // grid: map columns and rows = interval_x/_y, cell = loc_x/_y, no wider
+  // than the partition, else 104), sets of 8-bit state and data of the same
+  // size (values CV_32FC1, positions two 32-bit channels; else 109) holding
+  // exactly the LEDs that the pattern lights inside the partition (else
+  // 400). The first capture sets the meter up from the shot (records,
+  // colour, type, zeroed planes, add_map of ones). A cell added twice gives
+  // 401; the first capture's set-up then stays.
   int CheckInput(const Shot* shot, const LedSet* pos_set, const LedSet* value_set);
   // Scatters one capture's LEDs into the meter; `value_set` is required
   // (1 without it, before any bookkeeping).
@@ -187,7 +196,8 @@ class AIMHUE_EXPORT LedMeter {
   // screen of the partition, black outside the region (9 without a
   // partition of the chroma's size). Each LED of `marks` (x = column, y =
   // row of the plane; marks outside it are skipped) is circled in white,
-  // radius max(1, scale), thickness 1, line type 8. 5 for an empty chroma, 4 when the write is refused.
+  // radius max(1, scale), thickness 1, line type 8. 5 for an empty chroma, 4 when the write is
+  // refused.
   int ExportGrayChroma(const std::string& fullname, double scale = 1.0,
                        const std::vector<cv::Point>& marks = {}, bool full_screen = false) const;
   // Writes an 8-bit grey picture of one channel of `pos` (0: x, 1: y; else

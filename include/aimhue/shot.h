@@ -53,6 +53,10 @@ enum ShotCheck : uint32_t {
   kShotCheckImageSizeSame = 0x20,   // pair form only, 101
 };
 
+// No operation throws: an exception inside one (memory exhausted, an
+// element type or size that OpenCV does not handle) is logged as
+// "Shot::<Method>--Error :: exception: <what>" and reported as 9, with the
+// shot and every output unchanged.
 class AIMHUE_EXPORT Shot {
  public:
   // Sub-records, absent (null) until a setter or a loader creates them; once
@@ -156,16 +160,18 @@ class AIMHUE_EXPORT Shot {
   // shots, each with a copy of this shot's metadata. 1, 5 or 109.
   int Split(Shot* r, Shot* g, Shot* b) const;
   // Rotates the image by a multiple of 90 degrees (counter-clockwise for 90:
-  // the last column becomes the first row). A
-  // negative multiple of 360 is refused with 9, as any other angle.
+  // the last column becomes the first row). A negative multiple of 360 is
+  // refused with 9, as any other angle; an empty image with 5 (an angle of
+  // 0 does nothing and succeeds).
   int Rotate(int roll_angle);
   // image = max(image - background.image, 0): 5 for an empty image, 101 for
-  // a different size or type.
+  // a different size or type, 6 for 16-bit float samples.
   int RemoveBackground(const Shot& background);
   // Deep copy of metadata (through dst's setters), type and image.
   void CopyTo(Shot* dst) const;
   // 8-bit picture files through OpenCV's imwrite (format from the name's
-  // extension): 5 for an empty image, 4 when the write is refused.
+  // extension): 5 for an empty image, 6 for 16-bit float samples, 4 when the
+  // write is refused.
   int ExportColorImage(const std::string& fullname) const;
   int ExportGrayImage(const std::string& fullname) const;
   // Preset metadata of a point-locator capture; returns SetColor's status.

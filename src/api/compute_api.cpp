@@ -16,8 +16,6 @@
 namespace aimhue {
 namespace {
 
-constexpr int kPrimaryCount = 3;
-
 using MeterTriple = const LedMeter* const*;
 
 // The three combined primaries of one call, released when it returns.

@@ -1,7 +1,9 @@
 // The exported handle and settings functions.
 #include <aimhue/api.h>
+#include <aimhue/plume_log.h>
 #include <aimhue/status.h>
 
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -10,6 +12,18 @@
 
 using aimhue::Aimhue;
 using aimhue::Fractions;
+
+namespace aimhue {
+namespace {
+
+template <size_t kCount>
+void CopyBlock(const TargetBlock& block, TargetLxy (&out)[kCount]) {
+  static_assert(kCount == std::tuple_size<TargetBlock>::value, "a target block has four points");
+  std::memcpy(out, block.data(), sizeof out);
+}
+
+}  // namespace
+}  // namespace aimhue
 
 extern "C" {
 
@@ -62,6 +76,41 @@ int AimhueGet(AimhueHandle handle, float* out_targets, float* out_chroma) {
   if (out_chroma != nullptr) {
     std::memcpy(out_chroma, handle->percentCalcChroma.data(), sizeof handle->percentCalcChroma);
   }
+  return aimhue::kOk;
+}
+
+int AimhueGetResults(AimhueHandle handle, AimhueResults* out) {
+  if (handle == nullptr || out == nullptr) return aimhue::kNullInput;
+  AimhueResults results{};
+  aimhue::CopyBlock(handle->target, results.targets);
+  aimhue::CopyBlock(handle->searchStart, results.searchStart);
+  aimhue::CopyBlock(handle->searchEnd, results.searchEnd);
+  std::memcpy(results.fractions, handle->percentCalcChroma.data(), sizeof results.fractions);
+  std::memcpy(results.percentEnd, handle->percentEnd.data(), sizeof results.percentEnd);
+  results.ngLimit = handle->ngLimit;
+  results.ngThresh = handle->ngThresh;
+  results.whiteScale = handle->whiteScale;
+  std::memcpy(results.outliers, handle->outliers.data(), sizeof results.outliers);
+  *out = results;
+  return aimhue::kOk;
+}
+
+int AimhueSetTargets(AimhueHandle handle, const float* targets) {
+  if (handle == nullptr || targets == nullptr) return aimhue::kNullInput;
+  aimhue::TargetBlock block;
+  for (int point = 0; point < aimhue::kTargetPointCount; ++point) {
+    const aimhue::TargetLxy value = aimhue::TargetAt(targets, point);
+    const bool usable = std::isfinite(value.L) && std::isfinite(value.x) &&
+                        std::isfinite(value.y) && value.y > 0.0f;
+    if (!usable) {
+      PlumeLogError("AimhueSetTargets--Error :: target %d (L %g, x %g, y %g) is not finite or has "
+                    "y <= 0", point, static_cast<double>(value.L), static_cast<double>(value.x),
+                    static_cast<double>(value.y));
+      return aimhue::kOutOfRange;
+    }
+    block[point] = value;
+  }
+  handle->target = block;
   return aimhue::kOk;
 }
 

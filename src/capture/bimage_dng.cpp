@@ -7,6 +7,7 @@
 
 #include "capture/file_format.h"
 #include "capture/image_decoders.h"
+#include "common/exception_guard.h"
 
 namespace aimhue {
 namespace {
@@ -143,13 +144,15 @@ namespace {
 
 // Both readers parse the whole file from memory.
 cv::Mat ReadDngFile(const std::string& fullname, DngStripOffset layout, const char* reader) {
-  std::string bytes;
-  if (!ReadWholeFile(fullname, bytes)) {
-    LogOpenFailure(reader, fullname);
-    return cv::Mat();
-  }
-  return DecodeDng(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), layout, reader,
-                   fullname);
+  return GuardExceptionsOr(reader, cv::Mat(), [&] {
+    std::string bytes;
+    if (!ReadWholeFile(fullname, bytes)) {
+      LogOpenFailure(reader, fullname);
+      return cv::Mat();
+    }
+    return DecodeDng(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), layout, reader,
+                     fullname);
+  });
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "capture/file_format.h"
 #include "capture/image_decoders.h"
+#include "common/exception_guard.h"
 
 namespace aimhue {
 namespace {
@@ -37,8 +38,8 @@ bool DecodePgm(const uint8_t* data, size_t size, cv::Mat& image) {
   int height = -1;
   std::string size_line;
   std::string maximum_line;
-  bool header_read = NextLine(data, size, &position, &size_line) &&
-                     NextLine(data, size, &position, &maximum_line);
+  bool header_read =
+      NextLine(data, size, &position, &size_line) && NextLine(data, size, &position, &maximum_line);
   if (header_read) {
     std::istringstream size_stream(size_line);
     header_read = static_cast<bool>(size_stream >> width >> height);
@@ -66,12 +67,14 @@ bool DecodePgm(const uint8_t* data, size_t size, cv::Mat& image) {
 }
 
 bool BImage::ReadPgm(const std::string& fullname, cv::Mat& image) {
-  std::string bytes;
-  if (!ReadWholeFile(fullname, bytes)) {
-    std::cout << "Open file failure, fullname = " << fullname << std::endl;
-    return false;
-  }
-  return DecodePgm(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), image);
+  return GuardExceptionsOr("BImage::ReadPgm", false, [&] {
+    std::string bytes;
+    if (!ReadWholeFile(fullname, bytes)) {
+      std::cout << "Open file failure, fullname = " << fullname << std::endl;
+      return false;
+    }
+    return DecodePgm(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), image);
+  });
 }
 
 }  // namespace aimhue

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
+
+#include "capture/regular_file.h"
+#include "common/exception_guard.h"
 
 namespace aimhue {
 namespace {
@@ -17,28 +19,23 @@ constexpr int kCols120016 = 4250;
 constexpr int kRows320012 = 4852;
 constexpr int kCols320012 = 6464;
 
-}  // namespace
-
-cv::Mat BImage::ReadOrvoRaw(const std::string& fullname, int rows, int cols) {
-  std::ifstream file(fullname, std::ios::binary | std::ios::ate);
-  if (!file.is_open()) {
+cv::Mat ReadRawSamples(const std::string& fullname, int rows, int cols) {
+  RegularFile file;
+  if (!file.Open(fullname)) {
     PlumeLogError("BImage::ReadOrvoRaw -- Open file failure, fullname = %s", fullname.c_str());
     return cv::Mat();
   }
-  const std::streamoff file_size = file.tellg();
   // rows and cols are ints, so their product with 2 fits in 64 bits.
   const int64_t expected = static_cast<int64_t>(rows) * cols * 2;
-  if (rows < 1 || cols < 1 || file_size != expected) {
+  if (rows < 1 || cols < 1 || file.size() != static_cast<uint64_t>(expected)) {
     PlumeLogError("BImage::ReadOrvoRaw -- Check file size, fullname = %s", fullname.c_str());
     return cv::Mat();
   }
-  file.seekg(0);
   // The bytes are read straight into the matrix's memory and each row is
   // then turned into samples in place: sample c of a row reads bytes 2c and
   // 2c+1 of the same row only, so no separate buffer is needed.
   cv::Mat result(rows, cols, CV_16UC1);
-  file.read(reinterpret_cast<char*>(result.data), expected);
-  if (file.gcount() != expected) {
+  if (!file.ReadExactly(result.data, static_cast<uint64_t>(expected))) {
     PlumeLogError("BImage::ReadOrvoRaw -- Check file size, fullname = %s", fullname.c_str());
     return cv::Mat();
   }
@@ -59,6 +56,13 @@ cv::Mat BImage::ReadOrvoRaw(const std::string& fullname, int rows, int cols) {
     }
   }
   return result;
+}
+
+}  // namespace
+
+cv::Mat BImage::ReadOrvoRaw(const std::string& fullname, int rows, int cols) {
+  return GuardExceptionsOr("BImage::ReadOrvoRaw", cv::Mat(),
+                           [&] { return ReadRawSamples(fullname, rows, cols); });
 }
 
 cv::Mat BImage::ReadOrvoRaw120016(const std::string& fullname) {

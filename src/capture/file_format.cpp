@@ -1,14 +1,14 @@
 // The shared file conventions: extension, header, whole-file reading and
-// the caller's-buffer rule.
+// writing, and the caller's-buffer rule.
 #include "capture/file_format.h"
 
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
 
+#include <cstdint>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <system_error>
+
+#include "capture/regular_file.h"
 
 namespace aimhue {
 
@@ -52,28 +52,14 @@ void LogOpenFailure(const char* who, const std::string& fullname) {
 }
 
 bool ReadWholeFile(const std::string& fullname, std::string& bytes) {
-  // Only regular files: a directory opens as a stream on some systems but
-  // holds no data, and a device such as /dev/zero would never end.
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(fullname, error)) return false;
-  std::ifstream file(fullname, std::ios::binary);
-  if (!file) return false;
-  // Read in chunks rather than trusting a size from seeking: a file that
-  // changes while it is read still ends where its data ends.
-  std::string content;
-  char chunk[1 << 16];
-  while (file.read(chunk, sizeof chunk) || file.gcount() > 0) {
-    content.append(chunk, static_cast<size_t>(file.gcount()));
-  }
-  if (file.bad()) return false;
-  bytes.swap(content);
-  return true;
+  return ReadRegularFile(fullname, bytes);
 }
 
 bool WriteWholeFile(const std::string& fullname, const std::string& bytes) {
-  std::ofstream file(fullname, std::ios::binary | std::ios::trunc);
-  if (!file) return false;
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  FileSink file;
+  if (!file.Open(fullname)) return false;
+  file.Write(bytes.data(), bytes.size());
+  file.Close();
   return true;
 }
 

@@ -2,8 +2,11 @@
 // (".meter", ".aimhue", ".shot"), written once:
 //  - a format's files must be named "<something><extension>";
 //  - the content starts with the byte-order mark 'L' and a 32-bit version;
-//  - files are read whole into memory and parsed by the same ByteReader as
-//    a caller's buffer, so file and buffer loading share every check;
+//  - files are parsed by the same ByteReader as a caller's buffer, reading
+//    straight from the file, so file and buffer loading share every check
+//    and a file's matrices are read once, into place;
+//  - contents are written straight to a file or a caller's buffer, without
+//    an intermediate copy of the whole content;
 //  - a caller's output buffer is filled only when it is large enough.
 // Messages name the calling operation (`who`, such as "LedMeter::Load").
 #ifndef AIMHUE_SRC_CAPTURE_FILE_FORMAT_H_
@@ -15,6 +18,7 @@
 #include <string>
 
 #include "capture/byte_stream.h"
+#include "capture/file_stream.h"
 
 namespace aimhue {
 
@@ -45,9 +49,9 @@ int DataError(const char* who);
 // Logs "<who> -- Failed to Open file. fullname = <fullname>".
 void LogOpenFailure(const char* who, const std::string& fullname);
 
-// Reads the whole file into `bytes`; false when it is not a regular file (a
-// directory or a device) or cannot be opened. `bytes` is replaced only on
-// success.
+// Reads the whole file into `bytes` (see RegularFile): false when it is not
+// a regular file (a directory, a FIFO or a device) or cannot be opened.
+// `bytes` is replaced only on success.
 bool ReadWholeFile(const std::string& fullname, std::string& bytes);
 
 // Replaces the file's content by `bytes`; false when it cannot be opened.
@@ -73,6 +77,44 @@ int LoadFormatFile(const char* who, const std::string& fullname, const char* ext
   status = ReadFormatFile(who, fullname, bytes);
   if (status != kOk) return status;
   return parse(bytes.data(), bytes.size());
+}
+
+// The file side of a format's Load, streaming: the extension check (8),
+// opening the file (2, with the open failure logged), then parse(reader)
+// over a ByteReader that reads the file as it goes; parse's status is
+// returned.
+template <typename Parse>
+int LoadFormatStream(const char* who, const std::string& fullname, const char* extension,
+                     Parse&& parse) {
+  int status = CheckExtension(who, fullname, extension);
+  if (status != kOk) return status;
+  FileSource file;
+  if (!file.Open(fullname)) {
+    LogOpenFailure(who, fullname);
+    return kOpenReadFailed;
+  }
+  ByteReader in(file, file.Size());
+  return parse(in);
+}
+
+// The file side of a format's Save, streaming: the extension check (8),
+// opening the file for writing (4, with the open failure logged), then
+// write(writer) straight into the file. Write errors after a successful
+// open are not reported, as with WriteWholeFile.
+template <typename Write>
+int SaveFormatStream(const char* who, const std::string& fullname, const char* extension,
+                     Write&& write) {
+  const int status = CheckExtension(who, fullname, extension);
+  if (status != kOk) return status;
+  FileSink file;
+  if (!file.Open(fullname)) {
+    LogOpenFailure(who, fullname);
+    return kOpenWriteFailed;
+  }
+  ByteWriter out(file);
+  write(out);
+  file.Close();
+  return kOk;
 }
 
 // The file side of a format's Save: the extension check (8), then the bytes

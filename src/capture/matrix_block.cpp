@@ -1,6 +1,8 @@
 // The matrix block, written and read over the library's byte streams.
 #include "capture/matrix_block.h"
 
+#include <algorithm>
+#include <cstring>
 #include <vector>
 
 namespace aimhue {
@@ -8,9 +10,52 @@ namespace {
 
 constexpr size_t kSampleSizes[8] = {1, 1, 2, 2, 4, 4, 8, 2};
 constexpr size_t kHeaderBytes = 16;
+// Samples of one channel moved at a time between a multi-channel matrix and
+// its stored planes; a small buffer instead of a whole plane per channel.
+constexpr size_t kStagingBytes = size_t{1} << 16;
+
+// Moves `count` samples of `Size` bytes between a packed run and every
+// `stride`-th sample of an interleaved row.
+template <size_t Size>
+void MoveSamples(const char* from, size_t fromStride, char* to, size_t toStride, size_t count) {
+  for (size_t k = 0; k < count; ++k) std::memcpy(to + k * toStride, from + k * fromStride, Size);
+}
+
+void MoveSamples(size_t sampleSize, const char* from, size_t fromStride, char* to,
+                 size_t toStride, size_t count) {
+  switch (sampleSize) {
+    case 1:
+      return MoveSamples<1>(from, fromStride, to, toStride, count);
+    case 2:
+      return MoveSamples<2>(from, fromStride, to, toStride, count);
+    case 4:
+      return MoveSamples<4>(from, fromStride, to, toStride, count);
+    default:
+      return MoveSamples<8>(from, fromStride, to, toStride, count);
+  }
+}
 
 bool HasPlanes(const cv::Mat& mat) {
   return !mat.empty() && mat.dims <= 2 && mat.rows >= 1 && mat.cols >= 1;
+}
+
+// Writes channel `channel` of a multi-channel matrix as one stored plane,
+// gathered a run at a time.
+void WriteChannel(const cv::Mat& mat, int channel, ByteWriter& out) {
+  const size_t sampleSize = SampleSize(mat.depth());
+  const size_t pixelSize = mat.elemSize();
+  const size_t runSamples = kStagingBytes / sampleSize;
+  std::vector<char> staging(kStagingBytes);
+  for (int row = 0; row < mat.rows; ++row) {
+    const char* pixels = reinterpret_cast<const char*>(mat.ptr(row)) + channel * sampleSize;
+    for (size_t done = 0; done < static_cast<size_t>(mat.cols);) {
+      const size_t run = std::min(runSamples, static_cast<size_t>(mat.cols) - done);
+      MoveSamples(sampleSize, pixels + done * pixelSize, pixelSize, staging.data(), sampleSize,
+                  run);
+      out.WriteBytes(staging.data(), run * sampleSize);
+      done += run;
+    }
+  }
 }
 
 void WritePlane(const cv::Mat& plane, ByteWriter& out) {
@@ -45,9 +90,7 @@ void WriteMatrixBlock(const cv::Mat& mat, ByteWriter& out) {
     WritePlane(mat, out);
     return;
   }
-  std::vector<cv::Mat> planes;
-  cv::split(mat, planes);
-  for (const cv::Mat& plane : planes) WritePlane(plane, out);
+  for (int channel = 0; channel < mat.channels(); ++channel) WriteChannel(mat, channel, out);
 }
 
 bool ReadMatrixBlock(ByteReader& in, cv::Mat& mat) {
@@ -69,22 +112,33 @@ bool ReadMatrixBlock(ByteReader& in, cv::Mat& mat) {
   const uint64_t samplesPerPlane = static_cast<uint64_t>(rows) * static_cast<uint64_t>(cols);
   const uint64_t bytesPerSample = static_cast<uint64_t>(channels) * SampleSize(depth);
   if (samplesPerPlane > in.Remaining() / bytesPerSample) return false;
-  const size_t planeBytes = static_cast<size_t>(samplesPerPlane) * SampleSize(depth);
 
+  // The matrix is allocated once at its final size and the planes are read
+  // into it: a single channel straight into place, several a run at a time
+  // through a small buffer into their interleaved places.
+  cv::Mat loaded(rows, cols, CV_MAKETYPE(depth, channels));
   if (channels == 1) {
-    cv::Mat plane(rows, cols, CV_MAKETYPE(depth, 1));
-    in.ReadBytes(plane.data, planeBytes);
-    mat = plane;
+    if (!in.ReadBytes(loaded.data, static_cast<size_t>(samplesPerPlane) * SampleSize(depth))) {
+      return false;
+    }
+    mat = loaded;
     return true;
   }
-  std::vector<cv::Mat> planes(static_cast<size_t>(channels));
-  for (cv::Mat& plane : planes) {
-    plane.create(rows, cols, CV_MAKETYPE(depth, 1));
-    in.ReadBytes(plane.data, planeBytes);
+  const size_t sampleSize = SampleSize(depth);
+  const size_t pixelSize = loaded.elemSize();
+  const size_t runSamples = kStagingBytes / sampleSize;
+  std::vector<char> staging(kStagingBytes);
+  for (int channel = 0; channel < channels; ++channel) {
+    char* samples = reinterpret_cast<char*>(loaded.data) + channel * sampleSize;
+    for (uint64_t done = 0; done < samplesPerPlane;) {
+      const size_t run = static_cast<size_t>(std::min<uint64_t>(runSamples, samplesPerPlane - done));
+      if (!in.ReadBytes(staging.data(), run * sampleSize)) return false;
+      MoveSamples(sampleSize, staging.data(), sampleSize, samples + done * pixelSize, pixelSize,
+                  run);
+      done += run;
+    }
   }
-  cv::Mat merged;
-  cv::merge(planes, merged);
-  mat = merged;
+  mat = loaded;
   return true;
 }
 

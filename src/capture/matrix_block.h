@@ -26,9 +26,9 @@ size_t SampleSize(int depth);
 // The length in bytes of `mat`'s block, without producing it.
 uint64_t MatrixBlockSize(const cv::Mat& mat);
 
-// Appends `mat`'s block, its element type unchanged. Planes of a
-// multi-channel matrix are split first; a non-continuous single-channel
-// matrix is written row by row. A matrix of more than two dimensions is not
+// Writes `mat`'s block, its element type unchanged. The planes of a
+// multi-channel matrix are gathered a run at a time (no whole-plane copy); a
+// non-continuous matrix is written row by row. A matrix of more than two dimensions is not
 // representable and is written as an empty one.
 void WriteMatrixBlock(const cv::Mat& mat, ByteWriter& out);
 
@@ -40,6 +40,9 @@ void WriteMatrixBlock(const cv::Mat& mat, ByteWriter& out);
 // channel count is outside 1..CV_CN_MAX, or the declared planes need more
 // bytes than remain; the size check runs before anything is allocated, so a
 // hostile header cannot make the reader allocate more than the data holds.
+// The matrix is allocated once at its final size and the samples are read
+// into place. A file reader whose file turns out shorter than its declared
+// size (cut while it is read) also returns false with `mat` unchanged.
 bool ReadMatrixBlock(ByteReader& in, cv::Mat& mat);
 
 }  // namespace aimhue

@@ -2,10 +2,12 @@
 #include <aimhue/plume_log.h>
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
+#include <aimhue/target.h>
 
 #include <vector>
 
 #include "capture/picture_8bit.h"
+#include "common/exception_guard.h"
 
 namespace aimhue {
 namespace {
@@ -37,9 +39,9 @@ cv::Mat ColourPicture(const Shot& shot) {
     const cv::Mat zero = cv::Mat::zeros(grey.size(), grey.type());
     // Channels in the writer's blue, green, red order, bit k of the colour
     // code lighting channel k.
-    const std::vector<cv::Mat> channels = {(*shot.color & 1) ? grey : zero,
-                                           (*shot.color & 2) ? grey : zero,
-                                           (*shot.color & 4) ? grey : zero};
+    const std::vector<cv::Mat> channels = {(*shot.color & kRed) ? grey : zero,
+                                           (*shot.color & kGreen) ? grey : zero,
+                                           (*shot.color & kBlue) ? grey : zero};
     cv::Mat picture;
     cv::merge(channels, picture);
     return picture;
@@ -47,32 +49,37 @@ cv::Mat ColourPicture(const Shot& shot) {
   return ConvertTo8Bit(shot.image, MaximumOf(shot.device.get()), PictureMode::kColour);
 }
 
+// Both exports: 5 for an empty image, 6 for half floats (OpenCV's channel
+// operations do not handle them), 4 when the picture writer refuses.
+int ExportPicture(const char* who, const Shot& shot, const std::string& fullname,
+                  cv::Mat (*make_picture)(const Shot&)) {
+  return GuardExceptions(who, [&] {
+    if (shot.image.empty()) {
+      PlumeLogError("%s--Error :: empty", who);
+      return kEmptyInput;
+    }
+    if (shot.image.depth() == CV_16F) {
+      PlumeLogError("%s--Error :: element type", who);
+      return kUnsupportedElementType;
+    }
+    if (!WritePicture(fullname, make_picture(shot))) {
+      PlumeLogError("%s--Error :: imwrite", who);
+      return kOpenWriteFailed;
+    }
+    return kOk;
+  });
+}
+
 }  // namespace
 
 int Shot::ExportColorImage(const std::string& fullname) const {
   PlumeLogInfo("Shot::ExportColorImage");
-  if (image.empty()) {
-    PlumeLogError("Shot::ExportColorImage--Error :: empty");
-    return kEmptyInput;
-  }
-  if (!WritePicture(fullname, ColourPicture(*this))) {
-    PlumeLogError("Shot::ExportColorImage--Error :: imwrite");
-    return kOpenWriteFailed;
-  }
-  return kOk;
+  return ExportPicture("Shot::ExportColorImage", *this, fullname, ColourPicture);
 }
 
 int Shot::ExportGrayImage(const std::string& fullname) const {
   PlumeLogInfo("Shot::ExportGrayImage");
-  if (image.empty()) {
-    PlumeLogError("Shot::ExportGrayImage--Error :: empty");
-    return kEmptyInput;
-  }
-  if (!WritePicture(fullname, GreyPicture(*this))) {
-    PlumeLogError("Shot::ExportGrayImage--Error :: imwrite");
-    return kOpenWriteFailed;
-  }
-  return kOk;
+  return ExportPicture("Shot::ExportGrayImage", *this, fullname, GreyPicture);
 }
 
 }  // namespace aimhue

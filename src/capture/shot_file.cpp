@@ -4,17 +4,20 @@
 // (converted to 16-bit samples), then tagged records (each a 32-bit tag and
 // its fields) and the end tag 0xFFFFFFFF.
 //
-// Loading parses the whole content into a scratch copy first and changes the
-// shot only when every part of it was read, so a refused or damaged content
-// never leaves a half-loaded shot behind.
+// Loading parses the content into a scratch copy first and changes the shot
+// only when every part of it was read, so a refused or damaged content never
+// leaves a half-loaded shot behind. Files are read and written as streams:
+// the image goes straight between the file and its matrix.
 #include <aimhue/plume_log.h>
 #include <aimhue/shot.h>
 #include <aimhue/status.h>
 
 #include <optional>
+#include <utility>
 
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
+#include "capture/file_stream.h"
 #include "capture/matrix_block.h"
 #include "capture/record_io.h"
 #include "common/exception_guard.h"
@@ -38,13 +41,18 @@ struct ShotContent {
   std::optional<int32_t> color;
 };
 
-std::string Serialize(const Shot& shot) {
+void Write(const Shot& shot, ByteWriter& out) {
   // Stored images are always unsigned 16-bit: fractions and negative values
-  // of float planes are rounded and saturated away.
+  // of float planes are rounded and saturated away. An image that is 16-bit
+  // already is written as it is (the conversion would be an exact copy).
   cv::Mat stored;
-  if (!shot.image.empty()) shot.image.convertTo(stored, CV_16U, 1.0, 0.0);
-  std::string content;
-  ByteWriter out(content);
+  if (!shot.image.empty()) {
+    if (shot.image.depth() == CV_16U) {
+      stored = shot.image;
+    } else {
+      shot.image.convertTo(stored, CV_16U, 1.0, 0.0);
+    }
+  }
   WriteHeader(out, kShotVersion);
   out.WriteU32(shot.type);
   WriteMatrixBlock(stored, out);
@@ -57,7 +65,14 @@ std::string Serialize(const Shot& shot) {
   WriteRecordIfPresent(out, shot.pattern);
   WriteRecordIfPresent(out, shot.color);
   out.WriteU32(kEndTag);
-  return content;
+}
+
+// The content's length, counted without producing it.
+uint64_t ContentSize(const Shot& shot) {
+  ByteCounter counter;
+  ByteWriter out(counter);
+  Write(shot, out);
+  return out.Written();
 }
 
 // The body after the header. False when the data ends before the end tag or
@@ -88,9 +103,9 @@ bool ReadBody(ByteReader& in, ShotContent& content) {
 
 // Loaded records replace the shot's; records the content lacks keep their
 // values, and no setter rule runs on loaded values.
-void Apply(const ShotContent& content, Shot& shot) {
+void Apply(ShotContent& content, Shot& shot) {
   shot.type = content.type;
-  shot.image = content.image;
+  shot.image = std::move(content.image);
   ApplyRecord(content.device, shot.device);
   ApplyRecord(content.capture, shot.capture);
   ApplyRecord(content.part, shot.part);
@@ -100,8 +115,7 @@ void Apply(const ShotContent& content, Shot& shot) {
   ApplyRecord(content.color, shot.color);
 }
 
-int Parse(const char* who, const char* data, size_t size, Shot& shot) {
-  ByteReader in(data, size);
+int Parse(const char* who, ByteReader& in, Shot& shot) {
   const int status = ReadHeader(who, in, kShotVersion);
   if (status != kOk) return status;
   ShotContent content;
@@ -115,8 +129,8 @@ int Parse(const char* who, const char* data, size_t size, Shot& shot) {
 int Shot::Save(const std::string& fullname) const {
   PlumeLogInfo("Shot::Save");
   return GuardExceptions("Shot::Save", [&] {
-    return SaveFormatFile("Shot::Save", fullname, kShotExtension,
-                          [&] { return Serialize(*this); });
+    return SaveFormatStream("Shot::Save", fullname, kShotExtension,
+                            [&](ByteWriter& out) { Write(*this, out); });
   });
 }
 
@@ -125,13 +139,14 @@ int Shot::Load(const std::string& fullname) {
   return GuardExceptions("Shot::Load", [&] {
     const int status = CheckExtension("Shot::Load", fullname, kShotExtension);
     if (status != kOk) return status;
-    std::string bytes;
-    if (!ReadWholeFile(fullname, bytes)) {
+    FileSource file;
+    if (!file.Open(fullname)) {
       // This format's message has no blank before "fullname".
       PlumeLogError("Shot::Load -- Failed to Open file.fullname = %s", fullname.c_str());
       return static_cast<int>(kOpenReadFailed);
     }
-    return Parse("Shot::Load", bytes.data(), bytes.size(), *this);
+    ByteReader in(file, file.Size());
+    return Parse("Shot::Load", in, *this);
   });
 }
 
@@ -140,7 +155,7 @@ int Shot::GetBufferSize(size_t* size) const {
   if (image.empty()) return kEmptyInput;
   if (size == nullptr) return kNullInput;
   return GuardExceptions("Shot::GetBufferSize", [&] {
-    *size = Serialize(*this).size();
+    *size = static_cast<size_t>(ContentSize(*this));
     return static_cast<int>(kOk);
   });
 }
@@ -149,18 +164,24 @@ int Shot::ToBuffer(char* buffer, size_t* size) const {
   PlumeLogInfo("Shot::ToBuffer");
   return GuardExceptions("Shot::ToBuffer", [&] {
     if (buffer == nullptr || size == nullptr) return static_cast<int>(kNullInput);
+    const uint64_t needed = ContentSize(*this);
     uint64_t capacity = *size;
-    const int status = CopyToOutputBuffer(Serialize(*this), buffer, &capacity);
-    if (status == kOk) *size = static_cast<size_t>(capacity);
-    return status;
+    const int status = CheckOutputBuffer(buffer, &capacity, needed);
+    if (status != kOk) return status;
+    ByteWriter out(buffer, static_cast<size_t>(needed));
+    Write(*this, out);
+    *size = static_cast<size_t>(needed);
+    return static_cast<int>(kOk);
   });
 }
 
 int Shot::FromBuffer(const char* buffer, size_t size) {
   PlumeLogInfo("Shot::FromBuffer");
   if (buffer == nullptr) return kNullInput;
-  return GuardExceptions("Shot::FromBuffer",
-                         [&] { return Parse("Shot::FromBuffer", buffer, size, *this); });
+  return GuardExceptions("Shot::FromBuffer", [&] {
+    ByteReader in(buffer, size);
+    return Parse("Shot::FromBuffer", in, *this);
+  });
 }
 
 }  // namespace aimhue

@@ -11,6 +11,7 @@ namespace {
 
 constexpr Fractions kDefaultCalcChroma = {1.0f, 1.0f, 1.0f, 1.0f};
 constexpr TargetBlock kZeroBlock = {};
+constexpr int32_t kNoOutlierCount = -1;
 
 // The four-element range test: element 3 first, then 0, 1, 2.
 bool AllInFractionRange(const Fractions& values) {
@@ -40,13 +41,14 @@ Aimhue::Aimhue()
       sigmaK{4.0f, 4.3f, 4.0f},
       lineSlopeK{2.3f, 0.8f, 0.5f},
       maxIter(100),
-      percentTol(0.005f) {}
+      percentTol(0.005f),
+      outliers{kNoOutlierCount, kNoOutlierCount, kNoOutlierCount} {}
 
 int Aimhue::SetPercentCalcChroma(Fractions fractions) {
   PlumeLogInfo("Aimhue::SetPercentCalcChroma");
   if (!AllInFractionRange(fractions)) return kOutOfRange;
   percentCalcChroma = fractions;
-  for (int primary = 0; primary < 3; ++primary) {
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     const TargetLxy& start = searchStart[primary];
     const TargetLxy& end = searchEnd[primary];
     target[primary].L = start.L;

@@ -21,10 +21,10 @@ using Fractions = std::array<float, 4>;        // red, green, blue, fourth/all
 
 // Positions of the points in a target block (and of the primaries' rows
 // wherever the engine keeps one row per primary).
-constexpr int kRedTarget = 0;
-constexpr int kGreenTarget = 1;
-constexpr int kBlueTarget = 2;
-constexpr int kWhiteTarget = 3;
+constexpr int kRedTarget = kRedPoint;
+constexpr int kGreenTarget = kGreenPoint;
+constexpr int kBlueTarget = kBluePoint;
+constexpr int kWhiteTarget = kWhitePoint;
 
 // Plain record, no base class and no virtual operations. Field order is the
 // order of creation and of the persisted image.
@@ -48,6 +48,10 @@ struct Aimhue {
   std::array<float, 3> lineSlopeK;
   int32_t maxIter;
   float percentTol;
+  // LEDs that the last search's outlier mask excluded because of each
+  // primary; -1 until a search runs (creation and loads reset it; it is not
+  // persisted).
+  std::array<int32_t, 3> outliers;
 
   // Fills the defaults. The target block and both search results have no
   // defined value before a search or a load; they are zeroed here so that
@@ -77,14 +81,19 @@ struct Aimhue {
 
   // Sets ngLimit to the coverage of all three targets (the record's target
   // block, every LED counted) minus ngThresh, in 32-bit floats. Returns the
-  // count's status (1, 12, 9); on failure ngLimit is unchanged.
-  int CalcPercentNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue);
+  // count's status (1, 12, 9); on failure ngLimit is unchanged. The measured
+  // coverage goes to *measured when that is not null (only on success).
+  int CalcPercentNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
+                    Coverage* measured = nullptr);
 
   // NG verdict: true when ngLimit is strictly greater than the measured
   // coverage of all three targets (equal is not NG). When the count fails
   // (a null, empty or mismatched set) there is no coverage to judge and the
   // verdict is NG, the safe answer for a screen that cannot be checked.
-  bool JudgeNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue);
+  // The measured coverage goes to *measured when that is not null and the
+  // count succeeded.
+  bool JudgeNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
+               Coverage* measured = nullptr);
 
   // Moves the red, green and blue entries of `target` along the lines of
   // `lines` (3 x 2 CV_32F, rows red, green, blue, each (a, b); red and blue

@@ -20,16 +20,16 @@ void SearchTargets(const Aimhue& handle, TargetBlock& final, const cv::Mat& mask
                    const TargetBlock& means, const TargetBlock& corners) {
   GamutTable table;
   if (table.Build(&red, &green, &blue, mask) != kOk) {
-    for (int primary = 0; primary < 3; ++primary) final[primary] = corners[primary];
+    for (int primary = 0; primary < kPrimaryCount; ++primary) final[primary] = corners[primary];
     return;
   }
-  float startCoverage[3];
-  for (int primary = 0; primary < 3; ++primary) {
+  float startCoverage[kPrimaryCount];
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     startCoverage[primary] = table.Fraction({corners[primary].x, corners[primary].y});
   }
 
   const float tolerance = handle.percentTol;
-  for (int primary = 0; primary < 3; ++primary) {
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     const TargetLxy& corner = corners[primary];
     const float wanted = handle.percentEnd[primary];
     if (wanted >= startCoverage[primary]) {

@@ -51,7 +51,7 @@ int Aimhue::TuneCoverage(const cv::Mat& mask, const ChromaLxy* red, const Chroma
   if (inputs != kOk) return inputs;
   if (!IsLineMatrix(lines)) return kOutOfRange;
 
-  TuneLine line[3];
+  TuneLine line[kPrimaryCount];
   for (int primary = kRedTarget; primary <= kBlueTarget; ++primary) {
     line[primary] = {lines.at<float>(primary, 0) * lineSlopeK[primary], lines.at<float>(primary, 1)};
   }

@@ -183,7 +183,7 @@ struct MeanOutline {
 // with an end that is not a raster point is left out.
 MeanOutline DrawMeanOutline(const TargetBlock& means, WallCounter& counter) {
   MeanOutline outline;
-  for (int primary = 0; primary < 3; ++primary) {
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     outline.points[primary] = RasterPoint{-1, -1};
     outline.drawable[primary] =
         ToRasterPoint(means[primary].x, means[primary].y, outline.points[primary]);
@@ -519,7 +519,7 @@ void CornersFromRegion(cv::Mat& region, TargetBlock& corners) {
                   cv::Scalar(), 4);
     ScanCorners(region, kRegionSeed, box, found);
   }
-  for (int primary = 0; primary < 3; ++primary) {
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     corners[primary].x = found[2 * primary] / kRasterScale;
     corners[primary].y = found[2 * primary + 1] / kRasterScale;
   }

@@ -7,19 +7,23 @@
 
 namespace aimhue {
 
-int Aimhue::CalcPercentNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue) {
+int Aimhue::CalcPercentNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
+                          Coverage* measured) {
   Coverage coverage;
   const int status = PercentOfTarget(red, green, blue, TargetFloats(target), coverage, cv::Mat());
   if (status != kOk) return status;
   ngLimit = coverage.all - ngThresh;
+  if (measured != nullptr) *measured = coverage;
   return kOk;
 }
 
-bool Aimhue::JudgeNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue) {
+bool Aimhue::JudgeNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
+                     Coverage* measured) {
   Coverage coverage;
   const int status = PercentOfTarget(red, green, blue, TargetFloats(target), coverage, cv::Mat());
   // Without a count there is nothing to judge: fail the screen.
   if (status != kOk) return true;
+  if (measured != nullptr) *measured = coverage;
   return ngLimit > coverage.all;
 }
 

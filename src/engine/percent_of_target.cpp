@@ -60,7 +60,7 @@ constexpr int kStretch = 256;
 // the compiler turns it into vector code, many LEDs per instruction.
 template <bool kMasked>
 AIMHUE_ALWAYS_INLINE void CountStretch(const RowPlanes& row, int begin, int end,
-                                       const Chromaticity (&target)[3], CountTotals& totals) {
+                                       const Chromaticity (&target)[kPrimaryCount], CountTotals& totals) {
   int32_t unsure[kStretch];
   int32_t inRed = 0;
   int32_t inGreen = 0;
@@ -113,8 +113,11 @@ AIMHUE_ALWAYS_INLINE void CountStretch(const RowPlanes& row, int begin, int end,
 // Every LED once, row by row, in stretches.
 template <bool kMasked>
 AIMHUE_ALWAYS_INLINE void CountPanel(const CountInputs& in, const float* targets, CountTotals& totals) {
-  const Chromaticity target[3] = {{targets[1], targets[2]}, {targets[4], targets[5]},
-                                  {targets[7], targets[8]}};
+  Chromaticity target[kPrimaryCount];
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
+    const TargetLxy point = TargetAt(targets, primary);
+    target[primary] = Chromaticity{point.x, point.y};
+  }
   const int rows = in.red->L.rows;
   const int cols = in.red->L.cols;
   for (int r = 0; r < rows; ++r) {

@@ -39,6 +39,17 @@ cv::Mat RejectFar(const std::array<cv::Mat, 3>& distances,
   return mask;
 }
 
+// The number of distances at or above `threshold`, by RejectFar's test (a
+// NaN distance never is).
+int32_t CountAtOrAbove(const cv::Mat& distances, float threshold) {
+  int32_t count = 0;
+  for (int row = 0; row < distances.rows; ++row) {
+    const float* d = distances.ptr<float>(row);
+    for (int col = 0; col < distances.cols; ++col) count += d[col] >= threshold ? 1 : 0;
+  }
+  return count;
+}
+
 std::array<cv::Mat, 3> Distances(const ChromaLxy& red, const ChromaLxy& green,
                                  const ChromaLxy& blue, const TargetBlock& means) {
   return {ChromaDistance(red, means[0]), ChromaDistance(green, means[1]),
@@ -103,12 +114,18 @@ float DistanceFence(const cv::Mat& distances, std::vector<float>& scratch) {
 }
 
 cv::Mat OutlierMask(const Aimhue& /*handle*/, const ChromaLxy& red, const ChromaLxy& green,
-                    const ChromaLxy& blue, const TargetBlock& means) {
+                    const ChromaLxy& blue, const TargetBlock& means,
+                    std::array<int32_t, 3>* rejected) {
   const std::array<cv::Mat, 3> distances = Distances(red, green, blue, means);
   std::vector<float> scratch;
   const std::array<float, 3> fences = {DistanceFence(distances[0], scratch),
                                        DistanceFence(distances[1], scratch),
                                        DistanceFence(distances[2], scratch)};
+  if (rejected != nullptr) {
+    for (int primary = 0; primary < kPrimaryCount; ++primary) {
+      (*rejected)[primary] = CountAtOrAbove(distances[primary], fences[primary]);
+    }
+  }
   return RejectFar(distances, fences, red.L.size());
 }
 
@@ -116,7 +133,7 @@ cv::Mat OutlierMaskSigma(const Aimhue& handle, const ChromaLxy& red, const Chrom
                          const ChromaLxy& blue, const TargetBlock& means) {
   const std::array<cv::Mat, 3> distances = Distances(red, green, blue, means);
   std::array<double, 3> thresholds;
-  for (int primary = 0; primary < 3; ++primary) {
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
     cv::Scalar mean;
     cv::Scalar deviation;
     cv::meanStdDev(distances[primary], mean, deviation);

@@ -5,6 +5,7 @@
 
 #include <aimhue/target.h>
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -49,9 +50,12 @@ float DistanceFence(const cv::Mat& distances, std::vector<float>& scratch);
 // rejected, and a NaN distance fails every test, so an LED with NaN
 // chromaticity is kept. If every distance of a primary is equal (all LEDs
 // at the mean), the fence equals them and every LED is rejected. The
-// handle is not read.
+// handle is not read. When `rejected` is not null it receives, per primary,
+// the number of LEDs at or above that primary's fence (an LED far out in two
+// primaries counts in both).
 cv::Mat OutlierMask(const Aimhue& handle, const ChromaLxy& red, const ChromaLxy& green,
-                    const ChromaLxy& blue, const TargetBlock& means);
+                    const ChromaLxy& blue, const TargetBlock& means,
+                    std::array<int32_t, 3>* rejected = nullptr);
 
 // The spread variant: rejects an LED whose distance is at or above
 // k x sigma + mu of its primary (mean mu and population standard deviation

@@ -41,7 +41,8 @@ int Aimhue::Search(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy
   means[kGreenTarget] = MeanLxy(greenWork);
   means[kBlueTarget] = MeanLxy(blueWork);
 
-  const cv::Mat mask = OutlierMask(*this, redWork, greenWork, blueWork, means);
+  std::array<int32_t, 3> rejected;
+  const cv::Mat mask = OutlierMask(*this, redWork, greenWork, blueWork, means, &rejected);
 
   TargetBlock corners = {};
   GamutCorners(*this, corners, mask, redWork, greenWork, blueWork, means);
@@ -52,6 +53,7 @@ int Aimhue::Search(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy
   searchEnd = Stored(final, false);
   target = searchEnd;
   searchStart = Stored(means, true);
+  outliers = rejected;
   return kOk;
 }
 

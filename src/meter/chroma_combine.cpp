@@ -4,6 +4,7 @@
 #include <aimhue/led_meter.h>
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
+#include <aimhue/target.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -18,8 +19,8 @@
 namespace aimhue {
 namespace {
 
-// The colour code of a primary measured without a Z plane: its Z is zero.
-constexpr uint32_t kColorWithoutZ = 4;
+// The primary measured without a Z plane (its Z is zero): blue.
+constexpr Colour kColorWithoutZ = kBlue;
 
 bool IsFloatPlane(const cv::Mat& plane) { return plane.dims == 2 && plane.type() == CV_32FC1; }
 

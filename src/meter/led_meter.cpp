@@ -4,6 +4,7 @@
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
 
+#include "common/exception_guard.h"
 #include "common/record_rules.h"
 
 namespace aimhue {
@@ -28,34 +29,42 @@ void LedMeter::Clear() {
 
 int LedMeter::SetPartition(const Partition& value) {
   PlumeLogInfo("LedMeter::SetPartition");
-  if (!PartitionFitsScreen(value)) {
-    PlumeLogError("LedMeter::SetPartition--Error :: invalid screen wh or partition xywh");
-    return kBadPartition;
-  }
-  StoreRecord(partition, value);
-  return kOk;
+  return GuardExceptions("LedMeter::SetPartition", [&]() -> int {
+    if (!PartitionFitsScreen(value)) {
+      PlumeLogError("LedMeter::SetPartition--Error :: invalid screen wh or partition xywh");
+      return kBadPartition;
+    }
+    StoreRecord(partition, value);
+    return kOk;
+  });
 }
 
 int LedMeter::SetLayer(const Layer& value) {
   PlumeLogInfo("LedMeter::SetLayer");
-  StoreRecord(layer, value);
-  return kOk;
+  return GuardExceptions("LedMeter::SetLayer", [&]() -> int {
+    StoreRecord(layer, value);
+    return kOk;
+  });
 }
 
 int LedMeter::SetLedPanel(const LedPanel& value) {
   PlumeLogInfo("LedMeter::SetLedPanel");
-  if (value.w < 1 || value.h < 1) {
-    PlumeLogError("LedMeter::SetLedPanel--Error :: invalid panel_wh");
-    return kBadLedPanel;
-  }
-  StoreRecord(led_panel, value);
-  return kOk;
+  return GuardExceptions("LedMeter::SetLedPanel", [&]() -> int {
+    if (value.w < 1 || value.h < 1) {
+      PlumeLogError("LedMeter::SetLedPanel--Error :: invalid panel_wh");
+      return kBadLedPanel;
+    }
+    StoreRecord(led_panel, value);
+    return kOk;
+  });
 }
 
 int LedMeter::SetCapture(const Capture& value) {
   PlumeLogInfo("LedMeter::SetCapture");
-  StoreRecord(capture, value);
-  return kOk;
+  return GuardExceptions("LedMeter::SetCapture", [&]() -> int {
+    StoreRecord(capture, value);
+    return kOk;
+  });
 }
 
 }  // namespace aimhue

@@ -5,6 +5,7 @@
 
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
+#include <aimhue/target.h>
 
 #include "common/empty_plane.h"
 
@@ -26,7 +27,10 @@ struct PairTest {
   bool (*fails)(const LedMeter& a, const LedMeter& b);
 };
 
-bool IsValidCode(uint32_t code) { return code == 1 || code == 2 || code == 4; }
+// A meter's colour is one primary's code, its type one of CIE_X, CIE_Y, CIE_Z:
+// both one of the bits 1, 2, 4.
+bool IsValidColour(uint32_t code) { return PrimaryIndex(code) >= 0; }
+bool IsValidType(uint32_t code) { return code == CIE_X || code == CIE_Y || code == CIE_Z; }
 
 // Compares every dimension, so planes of more than two dimensions are never
 // taken for equal by their (rows, cols) alone.
@@ -47,9 +51,9 @@ constexpr SingleTest kSingleTests[] = {
     {kCheckStateNotEmpty, kEmptyPlane, "state is empty",
      [](const LedMeter& m) { return IsEmptyPlane(m.state); }},
     {kCheckTypeValid, kOutOfRange, "input type",
-     [](const LedMeter& m) { return !IsValidCode(m.type); }},
+     [](const LedMeter& m) { return !IsValidType(m.type); }},
     {kCheckColorValid, kOutOfRange, "input color",
-     [](const LedMeter& m) { return !IsValidCode(m.color); }},
+     [](const LedMeter& m) { return !IsValidColour(m.color); }},
 };
 
 // Pair tests, in the order they run. A missing layer fails the two layer

@@ -4,15 +4,18 @@
 // state, pos and chroma, then tagged records (each a 32-bit tag and its
 // 4-byte fields) and the end tag 0xFFFFFFFF. add_map is not stored.
 //
-// Loading parses the whole content into a scratch copy first and changes the
+// Loading parses the content into a scratch copy first and changes the
 // meter only when every part of it was read, so a refused or damaged
-// content never leaves a half-loaded meter behind.
+// content never leaves a half-loaded meter behind. Files are read and
+// written as streams: the planes go straight between the file and the
+// matrices.
 #include <aimhue/led_meter.h>
 
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
 
 #include <optional>
+#include <utility>
 
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
@@ -51,10 +54,7 @@ uint64_t ContentSize(const LedMeter& meter) {
   return size + kTagBytes;  // end tag
 }
 
-std::string Serialize(const LedMeter& meter) {
-  std::string content;
-  content.reserve(static_cast<size_t>(ContentSize(meter)));
-  ByteWriter out(content);
+void Write(const LedMeter& meter, ByteWriter& out) {
   WriteHeader(out, kMeterVersion);
   out.WriteU32(meter.color);
   out.WriteU32(meter.type);
@@ -66,7 +66,6 @@ std::string Serialize(const LedMeter& meter) {
   WriteRecordIfPresent(out, meter.layer);
   WriteRecordIfPresent(out, meter.capture);
   out.WriteU32(kEndTag);
-  return content;
 }
 
 // A stored plane must have the meter's element type (or be empty): a plane
@@ -106,17 +105,16 @@ bool ReadBody(ByteReader& in, MeterContent& content) {
 void Apply(MeterContent& content, LedMeter& meter) {
   meter.color = content.color;
   meter.type = content.type;
-  meter.state = content.state;
-  meter.pos = content.pos;
-  meter.chroma = content.chroma;
+  meter.state = std::move(content.state);
+  meter.pos = std::move(content.pos);
+  meter.chroma = std::move(content.chroma);
   ApplyRecord(content.partition, meter.partition);
   ApplyRecord(content.led_panel, meter.led_panel);
   ApplyRecord(content.layer, meter.layer);
   ApplyRecord(content.capture, meter.capture);
 }
 
-int Parse(const char* who, const char* data, size_t size, LedMeter& meter) {
-  ByteReader in(data, size);
+int Parse(const char* who, ByteReader& in, LedMeter& meter) {
   const int status = ReadHeader(who, in, kMeterVersion);
   if (status != kOk) return status;
   MeterContent content;
@@ -131,7 +129,8 @@ int LedMeter::Save(const std::string& fullname) const {
   constexpr char kWho[] = "LedMeter::Save";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    return SaveFormatFile(kWho, fullname, kMeterExtension, [&] { return Serialize(*this); });
+    return SaveFormatStream(kWho, fullname, kMeterExtension,
+                            [&](ByteWriter& out) { Write(*this, out); });
   });
 }
 
@@ -139,9 +138,8 @@ int LedMeter::Load(const std::string& fullname) {
   constexpr char kWho[] = "LedMeter::Load";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    return LoadFormatFile(kWho, fullname, kMeterExtension, [&](const char* data, size_t size) {
-      return Parse(kWho, data, size, *this);
-    });
+    return LoadFormatStream(kWho, fullname, kMeterExtension,
+                            [&](ByteReader& in) { return Parse(kWho, in, *this); });
   });
 }
 
@@ -156,17 +154,25 @@ int LedMeter::GetBufferSize(uint64_t* size) const {
 int LedMeter::ToBuffer(char* buffer, uint64_t* size) const {
   constexpr char kWho[] = "LedMeter::ToBuffer";
   PlumeLogInfo(kWho);
-  const int status = CheckOutputBuffer(buffer, size, ContentSize(*this));
+  const uint64_t needed = ContentSize(*this);
+  const int status = CheckOutputBuffer(buffer, size, needed);
   if (status != kOk) return status;
-  return GuardExceptions(kWho, [&] { return CopyToOutputBuffer(Serialize(*this), buffer, size); });
+  return GuardExceptions(kWho, [&] {
+    ByteWriter out(buffer, static_cast<size_t>(needed));
+    Write(*this, out);
+    *size = needed;
+    return static_cast<int>(kOk);
+  });
 }
 
 int LedMeter::FromBuffer(const char* buffer, uint64_t size) {
   constexpr char kWho[] = "LedMeter::FromBuffer";
   PlumeLogInfo(kWho);
   if (buffer == nullptr) return kNullInput;
-  return GuardExceptions(kWho,
-                         [&] { return Parse(kWho, buffer, static_cast<size_t>(size), *this); });
+  return GuardExceptions(kWho, [&] {
+    ByteReader in(buffer, static_cast<size_t>(size));
+    return Parse(kWho, in, *this);
+  });
 }
 
 }  // namespace aimhue

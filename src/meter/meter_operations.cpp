@@ -1,19 +1,18 @@
-// LedMeter operations on the value plane: Align, FixDeadPoint, MergeChroma,
-// and the deep copy CopyTo.
+// LedMeter operations on the value plane: Align, FixDeadPoint and
+// MergeChroma.
 #include <aimhue/led_meter.h>
 #include <aimhue/plume_log.h>
 #include <aimhue/status.h>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
-#include <opencv2/imgproc.hpp>
+#include "common/exception_guard.h"
+#include "meter/dead_led_repair.h"
 
 namespace aimhue {
 namespace {
-
-constexpr int kMedianSize = 3;
-constexpr uint8_t kDeadBit = 0x1;
 
 // Multiplies every element by `factor` in single precision.
 void ScalePlane(cv::Mat& plane, float factor) {
@@ -27,119 +26,98 @@ void ScalePlane(cv::Mat& plane, float factor) {
 
 int LedMeter::Align(const float* target_xyz, const int* in_point, const int* in_radius) {
   PlumeLogInfo("LedMeter::Align");
-  if (chroma.empty()) {
-    PlumeLogError("LedMeter::Align--Error :: chroma empty");
-    return kEmptyInput;
-  }
-  if (chroma.type() != CV_32FC1) {
-    PlumeLogError("LedMeter::Align--Error :: chroma is not 32-bit float");
-    return kBadImageDataType;
-  }
-  if (target_xyz == nullptr) {
-    PlumeLogError("LedMeter::Align--Error :: target_xyz is nullptr");
-    return kNullInput;
-  }
-  const float target = type == CIE_X ? target_xyz[0] : type == CIE_Y ? target_xyz[1] : target_xyz[2];
-
-  float factor = 0.0f;
-  if (in_point != nullptr && in_radius != nullptr) {
-    const int64_t x = in_point[0];
-    const int64_t y = in_point[1];
-    const int64_t radius = *in_radius;
-    if (x - radius < 0 || x + radius > chroma.cols || y - radius < 0 || y + radius > chroma.rows) {
-      PlumeLogError("LedMeter::Align--Error :: in_point or in_radius is invalid");
-      return kBadAlignment;
+  return GuardExceptions("LedMeter::Align", [&]() -> int {
+    if (chroma.empty()) {
+      PlumeLogError("LedMeter::Align--Error :: chroma empty");
+      return kEmptyInput;
     }
-    // The bounds are inclusive, so the disc may reach one element past the
-    // last row or column; that element does not exist and is left out.
-    const double limit = static_cast<double>(radius) + 0.5;
-    float sum = 0.0f;
-    int count = 0;
-    for (int64_t row = y - radius; row <= std::min<int64_t>(y + radius, chroma.rows - 1); ++row) {
-      const float* values = chroma.ptr<float>(static_cast<int>(row));
-      for (int64_t column = x - radius;
-           column <= std::min<int64_t>(x + radius, chroma.cols - 1); ++column) {
-        const double dx = static_cast<double>(column - x);
-        const double dy = static_cast<double>(row - y);
-        if (std::sqrt(dx * dx + dy * dy) < limit) {
-          sum += values[column];
-          ++count;
+    if (chroma.type() != CV_32FC1) {
+      PlumeLogError("LedMeter::Align--Error :: chroma is not 32-bit float");
+      return kBadImageDataType;
+    }
+    if (target_xyz == nullptr) {
+      PlumeLogError("LedMeter::Align--Error :: target_xyz is nullptr");
+      return kNullInput;
+    }
+    const float target = type == CIE_X   ? target_xyz[0]
+                         : type == CIE_Y ? target_xyz[1]
+                                         : target_xyz[2];
+
+    float factor = 0.0f;
+    if (in_point != nullptr && in_radius != nullptr) {
+      const int64_t x = in_point[0];
+      const int64_t y = in_point[1];
+      const int64_t radius = *in_radius;
+      if (x - radius < 0 || x + radius > chroma.cols || y - radius < 0 ||
+          y + radius > chroma.rows) {
+        PlumeLogError("LedMeter::Align--Error :: in_point or in_radius is invalid");
+        return kBadAlignment;
+      }
+      // The bounds are inclusive, so the disc may reach one element past the
+      // last row or column; that element does not exist and is left out.
+      const double limit = static_cast<double>(radius) + 0.5;
+      float sum = 0.0f;
+      int count = 0;
+      for (int64_t row = y - radius; row <= std::min<int64_t>(y + radius, chroma.rows - 1); ++row) {
+        const float* values = chroma.ptr<float>(static_cast<int>(row));
+        for (int64_t column = x - radius; column <= std::min<int64_t>(x + radius, chroma.cols - 1);
+             ++column) {
+          const double dx = static_cast<double>(column - x);
+          const double dy = static_cast<double>(row - y);
+          if (std::sqrt(dx * dx + dy * dy) < limit) {
+            sum += values[column];
+            ++count;
+          }
         }
       }
+      // No element (a negative radius) gives 0 / 0: the plane becomes NaN.
+      const float mean = sum / static_cast<float>(count);
+      factor = target / mean;
+    } else {
+      const double mean = cv::mean(chroma)[0];
+      factor = static_cast<float>(static_cast<double>(target) / mean);
     }
-    // No element (a negative radius) gives 0 / 0: the plane becomes NaN.
-    const float mean = sum / static_cast<float>(count);
-    factor = target / mean;
-  } else {
-    const double mean = cv::mean(chroma)[0];
-    factor = static_cast<float>(static_cast<double>(target) / mean);
-  }
-  ScalePlane(chroma, factor);
-  return kOk;
+    ScalePlane(chroma, factor);
+    return kOk;
+  });
 }
 
 int LedMeter::FixDeadPoint() {
   PlumeLogInfo("LedMeter::FixDeadPoint");
-  if (chroma.empty()) {
-    PlumeLogError("LedMeter::Align--Error :: chroma empty");  // the text shared with Align
-    return kEmptyInput;
-  }
-  if (chroma.type() != CV_32FC1) {
-    PlumeLogError("LedMeter::FixDeadPoint--Error :: chroma is not 32-bit float");
-    return kBadImageDataType;
-  }
-  if (state.empty()) return kOk;  // no LED is marked dead
-  if (state.size() != chroma.size() || state.type() != CV_8UC1) {
-    PlumeLogError("LedMeter::FixDeadPoint--Error :: state size mismatch");
-    return kOutOfRange;
-  }
-  // Dead LEDs take part in their neighbours' medians, as the filter sees the
-  // whole plane.
-  cv::Mat median;
-  cv::medianBlur(chroma, median, kMedianSize);
-  for (int r = 0; r < chroma.rows; ++r) {
-    const uint8_t* states = state.ptr<uint8_t>(r);
-    const float* filtered = median.ptr<float>(r);
-    float* values = chroma.ptr<float>(r);
-    for (int c = 0; c < chroma.cols; ++c) {
-      if (states[c] & kDeadBit) values[c] = filtered[c];
+  return GuardExceptions("LedMeter::FixDeadPoint", [&]() -> int {
+    if (chroma.empty()) {
+      PlumeLogError("LedMeter::Align--Error :: chroma empty");  // the text shared with Align
+      return kEmptyInput;
     }
-  }
-  return kOk;
+    if (chroma.type() != CV_32FC1) {
+      PlumeLogError("LedMeter::FixDeadPoint--Error :: chroma is not 32-bit float");
+      return kBadImageDataType;
+    }
+    if (state.empty()) return kOk;  // no LED is marked dead
+    if (state.size() != chroma.size() || state.type() != CV_8UC1) {
+      PlumeLogError("LedMeter::FixDeadPoint--Error :: state size mismatch");
+      return kOutOfRange;
+    }
+    RepairDeadLeds(state, chroma);
+    return kOk;
+  });
 }
 
 int LedMeter::MergeChroma(const LedMeter& src, const cv::Mat& mask) {
   PlumeLogInfo("LedMeter::MergeChroma");
-  if (src.chroma.empty() || mask.total() == 0) {
-    PlumeLogError("LedMeter::MergeChroma--Error :: input empty");
-    return kEmptyInput;
-  }
-  if (src.chroma.size() != mask.size() || src.chroma.size() != chroma.size() ||
-      src.chroma.type() != chroma.type() || mask.channels() != 1) {
-    PlumeLogError("LedMeter::MergeChroma--Error :: input size mismatch");
-    return kOutOfRange;
-  }
-  src.chroma.copyTo(chroma, mask != 0);
-  return kOk;
-}
-
-int LedMeter::CopyTo(LedMeter& dst) const {
-  PlumeLogInfo("LedMeter::CopyTo");
-  if (&dst == this) return kOk;
-  dst.partition.reset();
-  dst.led_panel.reset();
-  dst.layer.reset();
-  dst.capture.reset();
-  if (partition != nullptr) dst.SetPartition(*partition);
-  if (led_panel != nullptr) dst.SetLedPanel(*led_panel);
-  if (layer != nullptr) dst.SetLayer(*layer);
-  if (capture != nullptr) dst.SetCapture(*capture);
-  dst.type = type;
-  dst.color = color;
-  dst.state = state.clone();
-  dst.pos = pos.clone();
-  dst.chroma = chroma.clone();
-  return kOk;
+  return GuardExceptions("LedMeter::MergeChroma", [&]() -> int {
+    if (src.chroma.empty() || mask.total() == 0) {
+      PlumeLogError("LedMeter::MergeChroma--Error :: input empty");
+      return kEmptyInput;
+    }
+    if (src.chroma.size() != mask.size() || src.chroma.size() != chroma.size() ||
+        src.chroma.type() != chroma.type() || mask.channels() != 1) {
+      PlumeLogError("LedMeter::MergeChroma--Error :: input size mismatch");
+      return kOutOfRange;
+    }
+    src.chroma.copyTo(chroma, mask != 0);
+    return kOk;
+  });
 }
 
 }  // namespace aimhue

@@ -13,6 +13,9 @@ expected=(
   AimhueSave AimhueLoad AimhueToBuffer AimhueFromBuffer AimhueGetBufferSize
   AimhueVConcatMeter AimhueCalcPercentOfTarget AimhueCalcWhite AimhueCalcPercentNG
   AimhueJudgeNG AimhueSearch
+  AimhueGetResults AimhueSetTargets
+  AimhueCreateScreen AimhueDestroyScreen AimhueScreenSetPrimary AimhueScreenSize
+  AimhueSearchScreen AimhueCalcPercentNGScreen AimhueJudgeNGScreen AimhueCalcScreenCoverage
 )
 missing=0
 for name in "${expected[@]}"; do

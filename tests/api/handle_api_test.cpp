@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "engine/aimhue.h"
@@ -57,18 +58,84 @@ TEST(HandleLife, EveryFunctionRefusesANullHandle) {
   EXPECT_EQ(AimhueGet(nullptr, twelve, nullptr), kNullInput);
 }
 
+// The documented creation defaults, read back through AimhueGetResults.
 TEST_F(HandleApi, FreshHandleHasDefaultsAndZeroedResults) {
-  EXPECT_EQ(Fractions(), (std::array<float, 4>{1, 1, 1, 1}));
-  EXPECT_EQ(Targets(), (std::array<float, 12>{}));
-  EXPECT_EQ(handle_->percentEnd, (std::array<float, 4>{1, 1, 1, 1}));
-  EXPECT_EQ(handle_->ngLimit, 0.8f);
-  EXPECT_EQ(handle_->ngThresh, 0.08f);
-  EXPECT_EQ(handle_->tuneMode, 0u);
-  EXPECT_EQ(handle_->whiteScale, 1.1f);
-  EXPECT_EQ(handle_->sigmaK, (std::array<float, 3>{4.0f, 4.3f, 4.0f}));
-  EXPECT_EQ(handle_->lineSlopeK, (std::array<float, 3>{2.3f, 0.8f, 0.5f}));
-  EXPECT_EQ(handle_->maxIter, 100);
-  EXPECT_EQ(handle_->percentTol, 0.005f);
+  AimhueResults results;
+  std::memset(&results, 0xEE, sizeof results);
+  ASSERT_EQ(AimhueGetResults(handle_, &results), kOk);
+  AimhueResults expected{};
+  for (float& v : expected.fractions) v = 1.0f;
+  for (float& v : expected.percentEnd) v = 1.0f;
+  expected.ngLimit = 0.8f;
+  expected.ngThresh = 0.08f;
+  expected.whiteScale = 1.1f;
+  for (int32_t& v : expected.outliers) v = -1;
+  EXPECT_EQ(std::memcmp(&results, &expected, sizeof results), 0);
+}
+
+// Every field lands in its own place: distinct values in each, then read.
+TEST_F(HandleApi, GetResultsReadsEveryFieldAndLoadsForgetTheOutlierCounts) {
+  float next = 1.0f;
+  for (TargetBlock* block : {&handle_->target, &handle_->searchStart, &handle_->searchEnd}) {
+    for (TargetLxy& point : *block) point = {next++, next++, next++};
+  }
+  for (float& v : handle_->percentCalcChroma) v = next++;
+  for (float& v : handle_->percentEnd) v = next++;
+  handle_->ngLimit = next++;
+  handle_->ngThresh = next++;
+  handle_->whiteScale = next++;
+  handle_->outliers = {7, 8, 9};
+  AimhueResults results;
+  ASSERT_EQ(AimhueGetResults(handle_, &results), kOk);
+  const AimhueResults& r = results;
+  EXPECT_EQ(std::memcmp(r.targets, handle_->target.data(), sizeof r.targets), 0);
+  EXPECT_EQ(std::memcmp(r.searchStart, handle_->searchStart.data(), sizeof r.searchStart), 0);
+  EXPECT_EQ(std::memcmp(r.searchEnd, handle_->searchEnd.data(), sizeof r.searchEnd), 0);
+  EXPECT_EQ(std::memcmp(r.fractions, handle_->percentCalcChroma.data(), sizeof r.fractions), 0);
+  EXPECT_EQ(std::memcmp(r.percentEnd, handle_->percentEnd.data(), sizeof r.percentEnd), 0);
+  EXPECT_EQ((std::array<float, 3>{r.ngLimit, r.ngThresh, r.whiteScale}),
+            (std::array<float, 3>{next - 3, next - 2, next - 1}));
+  EXPECT_EQ((std::array<int32_t, 3>{r.outliers[0], r.outliers[1], r.outliers[2]}),
+            (std::array<int32_t, 3>{7, 8, 9}));
+  EXPECT_EQ(AimhueGetResults(handle_, nullptr), kNullInput);
+  EXPECT_EQ(AimhueGetResults(nullptr, &results), kNullInput);
+
+  char image[169];
+  uint64_t size = sizeof image;
+  ASSERT_EQ(AimhueToBuffer(handle_, image, &size), kOk);
+  ASSERT_EQ(AimhueFromBuffer(handle_, image, static_cast<int64_t>(size)), kOk);
+  EXPECT_EQ(handle_->outliers, (std::array<int32_t, 3>{-1, -1, -1}));
+}
+
+TEST_F(HandleApi, SetTargetsStoresAUsableBlockAndRefusesOthers) {
+  const std::array<float, 12> block = {10, 0.64f, 0.33f, 20, 0.30f, 0.60f,
+                                       5,  0.15f, 0.06f, 35, 0.3127f, 0.329f};
+  ASSERT_EQ(AimhueSetTargets(handle_, block.data()), kOk);
+  EXPECT_EQ(Targets(), block);
+  EXPECT_EQ(AimhueSetTargets(handle_, nullptr), kNullInput);
+  EXPECT_EQ(AimhueSetTargets(nullptr, block.data()), kNullInput);
+
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float inf = std::numeric_limits<float>::infinity();
+  struct Spoiled {
+    int index;
+    float value;
+    const char* line;
+  };
+  const Spoiled cases[] = {
+      {0, nan, "AimhueSetTargets--Error :: target 0 (L nan, x 0.64, y 0.33) is not finite or has y <= 0"},
+      {4, -inf, "AimhueSetTargets--Error :: target 1 (L 20, x -inf, y 0.6) is not finite or has y <= 0"},
+      {8, 0.0f, "AimhueSetTargets--Error :: target 2 (L 5, x 0.15, y 0) is not finite or has y <= 0"},
+      {11, -0.1f, "AimhueSetTargets--Error :: target 3 (L 35, x 0.3127, y -0.1) is not finite or has y <= 0"},
+  };
+  for (const Spoiled& spoiled : cases) {
+    std::array<float, 12> bad = block;
+    bad[spoiled.index] = spoiled.value;
+    aimhue::testing::LogCapture log;
+    EXPECT_EQ(AimhueSetTargets(handle_, bad.data()), kOutOfRange);
+    EXPECT_EQ(log.Errors(), std::vector<std::string>{spoiled.line});
+    EXPECT_EQ(Targets(), block);
+  }
 }
 
 TEST_F(HandleApi, NGThreshZeroIsNullInputAndRangeFailuresKeepTheOldValue) {

@@ -1,4 +1,8 @@
 #include <aimhue/shot.h>
+#include <aimhue/target.h>
+
+#include <algorithm>
+#include <iterator>
 
 #include <opencv2/imgproc.hpp>
 
@@ -127,6 +131,32 @@ TEST(ShotPointLocator, PresetMetadata) {
   EXPECT_EQ(bare.part, nullptr);
   EXPECT_EQ(bare.SetForPointLocator(1, screen, zero, 6, 0), kOk);
   EXPECT_EQ(bare.pattern, nullptr);
+}
+
+// Only present records are described; a device text that fills its 64
+// bytes without a terminator is printed up to its end and no further.
+TEST(ShotInfo, DescribesPresentRecordsAndTheImage) {
+  Shot shot;
+  Device device{};
+  std::fill(std::begin(device.id), std::end(device.id), 'd');
+  device.cam_type = 7;
+  ASSERT_EQ(shot.SetDevice(device), kOk);
+  ASSERT_EQ(shot.SetColor(kBlue), kOk);
+  shot.type = CIE_Y;
+  shot.image = cv::Mat(3, 5, CV_32FC3);
+  LogCapture log;
+  shot.Info();
+  EXPECT_EQ(log.Infos(), Lines{"Shot::Info"});
+  EXPECT_EQ(log.Debugs(), (Lines{"    color                  = 4",
+                                 "    device.id              = " + std::string(64, 'd'),
+                                 "    device.cam_type        = 7",
+                                 "    device.lens_id         = ",
+                                 "    device.lens_type       = 0",
+                                 "    type                   = 0x2",
+                                 "    image.type(cv)         = 21",
+                                 "    image.depth(cv)        = 5",
+                                 "    image.channels(cv)     = 3",
+                                 "    image.wh(cv)           = [5 3]"}));
 }
 
 }  // namespace

@@ -1,13 +1,19 @@
 #!/usr/bin/python3
 """Writes the hostile inputs kept under tests/data/ (run from anywhere with
 /usr/bin/python3 tests/data/make_bad_inputs.py). Each name says what is wrong
-with the file; tests load every one of them and expect a clean refusal.
+with the file; tests load every one of them and expect a clean refusal, of
+the file or of the operations run on what it loads. The shots also seed the
+fuzz corpora of the shot targets.
 """
 import os
 import struct
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+FUZZ_CORPUS = os.path.join(HERE, "..", "..", "fuzz", "corpus")
+SHOT_FUZZ_TARGETS = ("shot_buffer_fuzz", "shot_operations_fuzz")
 END_TAG = 0xFFFFFFFF
+CV_16UC5, CV_16FC3 = 2 + (4 << 3), 7 + (2 << 3)
+CAM_RGB, CIE_Y = 0x70, 0x2
 
 
 def words(*values):
@@ -24,6 +30,13 @@ CHROMA = block(1, 2, 5, 1, struct.pack("<2f", 1.0, 2.0))
 
 def meter(*parts):
     return b"L" + words(1, 2, 2) + b"".join(parts)
+
+
+def shot(shot_type, image, records=b""):
+    return b"L" + words(1, shot_type) + image + records + words(END_TAG)
+
+
+COLOR = words(64, 2)
 
 
 FILES = {
@@ -47,11 +60,32 @@ FILES = {
     "engine_mark_only.aimhue": b"L",
 }
 
+SHOTS = {
+    # Loads with status 0; rotating nothing used to throw.
+    "shot_with_empty_image.shot": shot(CIE_Y, EMPTY, COLOR),
+    # 3 x 3 samples of ten bytes each, which OpenCV cannot transpose.
+    "shot_16bit_image_with_five_channels.shot":
+        shot(CIE_Y, block(3, 3, CV_16UC5, 5, bytes(range(90))), COLOR),
+    # Half floats, which OpenCV's subtraction and channel mixing do not
+    # handle (they crashed rather than threw).
+    "shot_half_float_colour_image.shot":
+        shot(CAM_RGB, block(2, 2, CV_16FC3, 3, struct.pack("<12e", *range(12))), COLOR),
+}
+
+
+def write(folder, name, data):
+    os.makedirs(folder, exist_ok=True)
+    with open(os.path.join(folder, name), "wb") as f:
+        f.write(data)
+
 
 def main():
     for name, data in FILES.items():
-        with open(os.path.join(HERE, name), "wb") as f:
-            f.write(data)
+        write(HERE, name, data)
+    for name, data in SHOTS.items():
+        write(HERE, name, data)
+        for target in SHOT_FUZZ_TARGETS:
+            write(os.path.join(FUZZ_CORPUS, target), name[:-len(".shot")], data)
 
 
 if __name__ == "__main__":

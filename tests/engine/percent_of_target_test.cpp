@@ -40,9 +40,18 @@ TEST(InGamut, MatchesTheLiteralTestAndHandPickedCases) {
 
 TEST(PercentOfTarget, EveryKernelMatchesTheLiteralCountOnRandomPanels) {
   std::vector<CountKernel> kernels;
-  for (CountKernel kernel : {CountKernel::kPortable, CountKernel::kAvx2, CountKernel::kAvx512}) {
+  std::string ran;
+  std::string skipped;
+  const std::pair<CountKernel, const char*> all[] = {
+      {CountKernel::kPortable, "portable"}, {CountKernel::kAvx2, "avx2"}, {CountKernel::kAvx512, "avx512"}};
+  for (const auto& [kernel, name] : all) {
     if (CountKernelAvailable(kernel)) kernels.push_back(kernel);
+    (CountKernelAvailable(kernel) ? ran : skipped) += std::string(" ") + name;
   }
+  // Which kernels this machine checked, in the test log and the XML report.
+  std::printf("coverage kernels compared with the literal count:%s; not on this processor:%s\n",
+              ran.c_str(), skipped.empty() ? " none" : skipped.c_str());
+  RecordProperty("kernels_run", ran);
   ForRandomInputs(7, 3000, [&kernels](std::mt19937& random, int trial) {
     const RandomPanel panel = MakeRandomPanel(random, trial % 2 == 1);
     const float* t = panel.targets.data();

@@ -7,6 +7,7 @@
 
 #include "capture/byte_stream.h"
 #include "support/buffer_rules.h"
+#include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
@@ -151,26 +152,9 @@ TEST(MeterFile, RefusedContentsLeaveTheMeterUnchanged) {
                 kBadVersion, "Error data in file.");
 }
 
-TEST(MeterFile, NamesAreCheckedBeforeAnyFileIsTouched) {
-  TempDir dir;
-  const LedMeter meter = LayerOnlyMeter();
+TEST(MeterFile, NamesAndOpenFailures) {
   LedMeter loaded;
-  LogCapture log;
-  EXPECT_EQ(meter.Save(dir.Path("a.METER")), kBadExtension);
-  EXPECT_EQ(meter.Save(".meter"), kBadExtension);
-  EXPECT_FALSE(std::filesystem::exists(dir.Path("a.METER")));
-  EXPECT_EQ(loaded.Load(dir.Path("a.txt")), kBadExtension);
-  EXPECT_EQ(loaded.Load(dir.Path("missing.meter")), kOpenReadFailed);
-  EXPECT_EQ(meter.Save(dir.Path("no/dir.meter")), kOpenWriteFailed);
-  EXPECT_EQ(log.Errors(),
-            (Lines{"LedMeter::Save--Error :: ext filename mismatch.",
-                   "LedMeter::Save--Error :: ext filename mismatch.",
-                   "LedMeter::Load--Error :: ext filename mismatch.",
-                   "LedMeter::Load -- Failed to Open file. fullname = " + dir.Path("missing.meter"),
-                   "LedMeter::Save -- Failed to Open file. fullname = " +
-                       dir.Path("no/dir.meter")}));
-  EXPECT_EQ(log.Infos(), (Lines{"LedMeter::Save", "LedMeter::Save", "LedMeter::Load",
-                                "LedMeter::Load", "LedMeter::Save"}));
+  testing::ExpectFileNameAndOpenRules(LayerOnlyMeter(), loaded, "LedMeter", ".meter");
 }
 
 TEST(MeterFile, CallerBufferRules) {

@@ -1,4 +1,5 @@
 #include <aimhue/led_meter.h>
+#include <aimhue/target.h>
 
 #include <algorithm>
 #include <cmath>
@@ -75,12 +76,18 @@ TEST(MeterAdd, RefusedCapturesLeaveTheMeter) {
   const Shot first = GridShot(0, 0);
   GridSets(first, &positions, &values);
   ASSERT_EQ(meter.Add(&first, nullptr, &values), kOk);  // positions not begun
-  Shot next[4] = {GridShot(1, 0), GridShot(1, 0), GridShot(1, 0), GridShot(1, 0)};
+  Shot next[6] = {GridShot(1, 0), GridShot(1, 0), GridShot(1, 0),
+                  GridShot(1, 0), GridShot(1, 0), GridShot(1, 0)};
   GridSets(next[0], &positions, &values);
   next[1].SetColor(4);
   next[2].SetColor(4);
   next[2].image = cv::Mat(2, 2, CV_16UC3);
   next[3].color.reset();
+  // Another partition, or an interval that makes another grid, light other
+  // LEDs than `values` holds: the capture is from another set, whichever
+  // check would see it first.
+  next[4].SetPartition(Partition{0, 0, 6, 4, 6, 4});
+  next[5].SetPattern(Pattern{1, 1, 2, 0, 0, -1, -1});
   const auto add = [&](const Shot* shot, const LedSet* pos, const LedSet* value) {
     return [=](LedMeter& m) { return m.Add(shot, pos, value); };
   };
@@ -96,7 +103,9 @@ TEST(MeterAdd, RefusedCapturesLeaveTheMeter) {
               {add(next, nullptr, &empty), kEmptyInput, {check + "inpute empty."}},
               {add(next + 1, nullptr, &values), kNotSameSet, {check + "data not in same set."}},
               {add(next + 2, nullptr, &values), kMultiChannelCapture, {check + "multi channels"}},
-              {add(next + 3, nullptr, &values), kNoColor, {no_colour}}});
+              {add(next + 3, nullptr, &values), kNoColor, {no_colour}},
+              {add(next + 4, nullptr, &values), kNotSameSet, {check + "data not in same set."}},
+              {add(next + 5, nullptr, &values), kNotSameSet, {check + "data not in same set."}}});
   // Metadata changed behind the setters' back, as a loaded shot may hold,
   // cannot steer the scatter out of the planes.
   Shot steered[4] = {GridShot(1, 1), GridShot(1, 1), GridShot(1, 1), GridShot(1, 1)};
@@ -179,6 +188,23 @@ TEST(MeterFixDeadPoint, DeadLedsTakeTheMedianOthersStay) {
   }
 }
 
+TEST(MeterMergeChroma, CopiesUnderTheMaskAndRefusesAMaskOpenCvCannotRead) {
+  LedMeter meter = MakeMeter(CIE_Y, 2, 2, 3, 1.0f);
+  const LedMeter source = MakeMeter(CIE_Y, 2, 2, 3, 5.0f);
+  cv::Mat mask = cv::Mat::zeros(2, 3, CV_8UC1);
+  mask.at<uint8_t>(1, 2) = 7;
+  ASSERT_EQ(meter.MergeChroma(source, mask), kOk);
+  EXPECT_EQ(cv::sum(meter.chroma)[0], 5.0 + 5.0);
+  EXPECT_EQ(meter.chroma.at<float>(1, 2), 5.0f);
+  // Half floats cannot be compared by OpenCV, which throws.
+  const std::string before = Bytes(meter);
+  LogCapture log;
+  EXPECT_EQ(meter.MergeChroma(source, cv::Mat(2, 3, CV_16FC1, cv::Scalar(1))), kOutOfRange);
+  ASSERT_EQ(log.Errors().size(), 1u);
+  EXPECT_EQ(log.Errors()[0].rfind("LedMeter::MergeChroma--Error :: exception: ", 0), 0u);
+  EXPECT_EQ(Bytes(meter), before);
+}
+
 TEST(MeterExport, GreyChromaAndPointPictures) {
   TempDir dir;
   const auto picture = [&](const std::string& name) {
@@ -219,6 +245,26 @@ TEST(MeterExport, GreyChromaAndPointPictures) {
               {points("z.png", 2, false), kOutOfRange, {point + "channel"}},
               {points("a.png", 0, true), kEmptyInput, {point + "empty"}},
               {points("a.unknown-extension", 0, false), kOpenWriteFailed, {point + "imwrite"}}});
+}
+
+TEST(MeterMerge, CopiesTheMaskedValuesAndRefusesMismatches) {
+  LedMeter meter = MakeMeter(CIE_Y, kGreen, 2, 3, 1.0f);
+  const LedMeter source = MakeMeter(CIE_Y, kGreen, 2, 3, 5.0f);
+  const cv::Mat mask = (cv::Mat_<uint8_t>(2, 3) << 0, 1, 0, 255, 0, 0);
+  ASSERT_EQ(meter.MergeChroma(source, mask), kOk);
+  const cv::Mat merged = (cv::Mat_<float>(2, 3) << 1, 5, 1, 5, 1, 1);
+  EXPECT_EQ(cv::norm(meter.chroma, merged, cv::NORM_INF), 0.0);
+  const LedMeter wide = MakeMeter(CIE_Y, kGreen, 2, 4, 7.0f);
+  LedMeter empty;
+  ExpectRefusals<LedMeter>(
+      meter, {{[&](LedMeter& m) { return m.MergeChroma(empty, mask); }, kEmptyInput,
+               {"LedMeter::MergeChroma--Error :: input empty"}},
+              {[&](LedMeter& m) { return m.MergeChroma(source, cv::Mat()); }, kEmptyInput,
+               {"LedMeter::MergeChroma--Error :: input empty"}},
+              {[&](LedMeter& m) { return m.MergeChroma(wide, mask); }, kOutOfRange,
+               {"LedMeter::MergeChroma--Error :: input size mismatch"}},
+              {[&](LedMeter& m) { return m.MergeChroma(source, cv::Mat(2, 3, CV_8UC2)); },
+               kOutOfRange, {"LedMeter::MergeChroma--Error :: input size mismatch"}}});
 }
 
 }  // namespace

@@ -18,7 +18,9 @@ std::string Trim(const std::string& text) {
   return text.substr(begin, end - begin);
 }
 
-std::vector<std::string> SplitCommas(const std::string& text) {
+}  // namespace
+
+std::vector<std::string> SplitList(const std::string& text) {
   std::vector<std::string> parts;
   std::size_t start = 0;
   while (true) {
@@ -29,6 +31,8 @@ std::vector<std::string> SplitCommas(const std::string& text) {
   }
   return parts;
 }
+
+namespace {
 
 // A positive decimal integer of at most nine digits, nothing else.
 std::optional<int> ParsePositiveInt(const std::string& text) {
@@ -60,17 +64,25 @@ std::optional<ScreenSize> ParseScreenSize(const std::string& text) {
   return ScreenSize{*cols, *rows};
 }
 
-std::optional<float> ParseFloat(const std::string& text) {
+bool IsDecimalNumber(const std::string& text) {
   const std::string trimmed = Trim(text);
-  if (trimmed.empty()) return std::nullopt;
-  // Only plain decimal notation: strtof would also take "nan", "inf" and
-  // hexadecimal floats.
+  if (trimmed.empty()) return false;
+  // Only plain decimal notation: strtod would also take "nan", "inf" and
+  // hexadecimal numbers.
   for (const char c : trimmed) {
     if (!std::isdigit(static_cast<unsigned char>(c)) && c != '.' && c != '-' && c != '+' &&
         c != 'e' && c != 'E') {
-      return std::nullopt;
+      return false;
     }
   }
+  char* end = nullptr;
+  std::strtod(trimmed.c_str(), &end);
+  return end == trimmed.c_str() + trimmed.size();
+}
+
+std::optional<float> ParseFloat(const std::string& text) {
+  if (!IsDecimalNumber(text)) return std::nullopt;
+  const std::string trimmed = Trim(text);
   errno = 0;
   char* end = nullptr;
   const float value = std::strtof(trimmed.c_str(), &end);
@@ -81,7 +93,7 @@ std::optional<float> ParseFloat(const std::string& text) {
 }
 
 std::optional<std::vector<float>> ParseFloatList(const std::string& text, std::size_t count) {
-  const std::vector<std::string> parts = SplitCommas(text);
+  const std::vector<std::string> parts = SplitList(text);
   if (parts.size() != count) return std::nullopt;
   std::vector<float> values;
   for (const std::string& part : parts) {

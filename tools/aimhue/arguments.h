@@ -33,7 +33,15 @@ std::optional<ScreenSize> ParseScreenSize(const std::string& text);
 // are allowed.
 std::optional<std::vector<float>> ParseFloatList(const std::string& text, std::size_t count);
 
-// One finite decimal number read as a 32-bit float; the whole text must be
+// The comma-separated parts of `text`, blanks around each removed.
+std::vector<std::string> SplitList(const std::string& text);
+
+// Whether the whole text is a decimal number, of any magnitude ("1e-40",
+// "1e400"); "nan", "inf" and hexadecimal numbers are not.
+bool IsDecimalNumber(const std::string& text);
+
+// One finite decimal number read as a 32-bit float; a number that underflows
+// or overflows a 32-bit float is refused; the whole text must be
 // the number.
 std::optional<float> ParseFloat(const std::string& text);
 

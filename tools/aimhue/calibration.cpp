@@ -4,10 +4,14 @@
 #include <aimhue/api.h>
 
 #include <cmath>
+#include <iostream>
 
 #include "command_error.h"
 #include "coverage_count.h"
 #include "engine_handle.h"
+#include "measurement_check.h"
+#include "output_files.h"
+#include "output_transaction.h"
 
 namespace aimhue {
 namespace tool {
@@ -17,18 +21,24 @@ namespace {
 bool InUnitRange(float value) { return value > 0.0f && value <= 1.0f; }
 
 std::array<float, 4> ParseFractions(const std::string& text, const char* option) {
-  const auto values = ParseFloatList(text, 4);
-  if (!values) {
+  const std::vector<std::string> parts = SplitList(text);
+  if (parts.size() != 4) {
     throw CommandError(kExitUsage, std::string(option) + ": expected four numbers separated by"
                                                         " commas, got '" + text + "'");
   }
   std::array<float, 4> fractions{};
   for (std::size_t i = 0; i < 4; ++i) {
-    if (!InUnitRange((*values)[i])) {
-      throw CommandError(kExitUsage, std::string(option) + ": each value must lie in (0, 1], got '" +
-                                         text + "'");
+    const auto value = ParseFloat(parts[i]);
+    if (!value || !InUnitRange(*value)) {
+      // Say which value is wrong, and whether it is a number at all: "1e-40"
+      // is a number that no 32-bit float in (0, 1] represents.
+      throw CommandError(kExitUsage, std::string(option) + ": value " + std::to_string(i + 1) +
+                                         " of 4, '" + parts[i] + "', " +
+                                         (IsDecimalNumber(parts[i]) ? "is out of range"
+                                                                    : "is not a number") +
+                                         ": each value must lie in (0, 1]");
     }
-    fractions[i] = (*values)[i];
+    fractions[i] = *value;
   }
   return fractions;
 }
@@ -104,10 +114,13 @@ CalibrationSettings ParseCalibrationSettings(const CalibrationOptionText& text) 
   return settings;
 }
 
-CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
-                            const std::string& result_file) {
-  CalibrationReport report;
-  report.screen = MeterScreen(meters);
+Calibration Calibrate(const MeasuredScreen& measured, const CalibrationSettings& settings) {
+  Calibration calibration{CreateHandle(), {}};
+  CalibrationReport& report = calibration.report;
+  Aimhue* const handle = calibration.handle.get();
+  AimhueScreen const screen = measured.screen.get();
+  report.screen = measured.size;
+  report.dead = measured.dead;
   report.percentEnd = settings.percentEnd;
   report.fractions = settings.fractions;
   report.white = settings.white;
@@ -116,69 +129,47 @@ CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
   report.ngThresh = settings.ngThresh;
   std::vector<TimedStep>& timings = report.timings;
 
-  Timed(timings, "dead LEDs", [&] { report.dead = HandleDeadLeds(meters, !settings.keepDead); });
-
-  Handle handle = CreateHandle();
-  CheckStatus(AimhueSetNGThresh(handle.get(), settings.ngThresh), "--ng-thresh refused");
-  CheckStatus(AimhueSetPercentEnd(handle.get(), settings.percentEnd.data()),
-              "--percent-end refused");
-  const MeterTriple red = Triple(meters, 0);
-  const MeterTriple green = Triple(meters, 1);
-  const MeterTriple blue = Triple(meters, 2);
-
+  CheckStatus(AimhueSetNGThresh(handle, settings.ngThresh), "--ng-thresh refused");
+  CheckStatus(AimhueSetPercentEnd(handle, settings.percentEnd.data()), "--percent-end refused");
   Timed(timings, "target search", [&] {
-    CheckStatus(AimhueSearch(handle.get(), red.get(), green.get(), blue.get(), 3),
-                "the target search refused the meters");
+    CheckStatus(AimhueSearchScreen(handle, screen), "the target search refused the meters");
   });
-  TargetBlock before_white{};
   Timed(timings, "interpolation fractions", [&] {
-    CheckStatus(AimhueSetPercentCalcChroma(handle.get(), settings.fractions.data()),
+    CheckStatus(AimhueSetPercentCalcChroma(handle, settings.fractions.data()),
                 "the interpolation fractions were refused");
-    before_white = GetTargets(handle.get());
   });
   Timed(timings, "white point", [&] {
     const TargetLxy white{0.0f, settings.white.x, settings.white.y};
-    CheckStatus(AimhueCalcWhite(handle.get(), settings.scale, &white, settings.uncapped ? 1 : 0),
+    CheckStatus(AimhueCalcWhite(handle, settings.scale, &white, settings.uncapped ? 1 : 0),
                 "the white point calculation failed");
-    report.targets = GetTargets(handle.get());
   });
-  for (int p = 0; p < 3; ++p) {
-    // The engine rescales each luminance in 32 bits before it solves for
-    // the gains; the gain is the new luminance over that rescaled one.
-    const float rescaled = before_white[p].L * settings.scale;
-    report.gains[p] = report.targets[p].L / rescaled;
-  }
-  Timed(timings, "coverage",
-        [&] { report.coverage = CountCoverage(meters, report.targets, cv::Mat()); });
-  Timed(timings, "NG limit", [&] {
-    CheckStatus(AimhueCalcPercentNG(handle.get(), red.get(), green.get(), blue.get(), 3),
+  Timed(timings, "NG limit and coverage", [&] {
+    CheckStatus(AimhueCalcPercentNGScreen(handle, screen, &report.coverage),
                 "the NG limit calculation failed");
   });
   Timed(timings, "NG judgement", [&] {
     bool ng = true;
-    CheckStatus(AimhueJudgeNG(handle.get(), &ng, red.get(), green.get(), blue.get(), 3),
-                "the NG judgement failed");
+    CheckStatus(AimhueJudgeNGScreen(handle, screen, &ng, nullptr), "the NG judgement failed");
     report.ng = ng;
   });
-  const EngineImage image = ReadEngineImage(handle.get());
-  report.searchStart = image.searchStart;
-  report.searchEnd = image.searchEnd;
-  report.ngLimit = image.ngLimit;
-  if (!result_file.empty()) {
-    Timed(timings, "save", [&] {
-      CheckStatus(AimhueSave(handle.get(), result_file.c_str()),
-                  "cannot save the results '" + result_file + "'", kExitOutput);
-    });
-  }
-  return report;
+  const AimhueResults results = GetResults(handle);
+  report.targets = ToBlock(results.targets);
+  report.searchStart = ToBlock(results.searchStart);
+  report.searchEnd = ToBlock(results.searchEnd);
+  report.ngLimit = results.ngLimit;
+  report.outliers = {results.outliers[0], results.outliers[1], results.outliers[2]};
+  Timed(timings, "misses", [&] {
+    report.ledsMissingTargets = CountLedsMissingTargets(screen, results.targets, measured.size);
+  });
+  return calibration;
 }
 
-void CheckTargetsFinite(const CalibrationReport& report) {
-  for (const TargetLxy& target : report.targets) {
-    if (std::isfinite(target.L) && std::isfinite(target.x) && std::isfinite(target.y)) continue;
+void CheckCalibration(const CalibrationReport& report) {
+  const bool usable = TargetsFinite(report.targets) && std::isfinite(report.ngLimit);
+  if (!usable) {
     const auto& dead = report.dead.remaining;
     throw CommandError(kExitLibrary,
-                       "the targets are not finite" +
+                       "the targets or the NG limit are not finite; nothing was written" +
                            (dead[0] + dead[1] + dead[2] > 0
                                 ? " (dead LEDs without chromaticity were searched: red " +
                                       std::to_string(dead[0]) + ", green " +
@@ -186,6 +177,29 @@ void CheckTargetsFinite(const CalibrationReport& report) {
                                       std::to_string(dead[2]) + ")"
                                 : std::string()));
   }
+}
+
+void WriteCalibrationOutputs(Calibration& calibration, const MeasuredScreen& measured,
+                             const CalibrationOutputs& files) {
+  CalibrationReport& report = calibration.report;
+  try {
+    CheckCalibration(report);
+  } catch (const CommandError&) {
+    PrintCalibrationReport(std::cout, report);
+    throw;
+  }
+  OutputTransaction outputs;
+  if (!files.result.empty()) outputs.Add(files.result, EngineFileBytes(calibration.handle.get()));
+  if (!files.plot.empty()) {
+    Timed(report.timings, "gamut plot",
+          [&] { outputs.Add(files.plot, GamutPlotPng(measured.leds, report)); });
+  }
+  report.outputs = outputs.Targets();
+  if (!files.json.empty()) {
+    report.outputs.push_back(files.json);
+    outputs.Add(files.json, JsonText(CalibrationReportJson(report)));
+  }
+  outputs.Commit();
 }
 
 }  // namespace tool

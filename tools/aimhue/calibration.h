@@ -9,6 +9,7 @@
 #include <CLI/App.hpp>
 
 #include "arguments.h"
+#include "engine_handle.h"
 #include "meter_set.h"
 #include "report.h"
 
@@ -46,19 +47,40 @@ void AddCalibrationOptions(CLI::App& command, CalibrationOptionText& text);
 // so, and NaN is refused although the library would store it.
 CalibrationSettings ParseCalibrationSettings(const CalibrationOptionText& text);
 
-// Runs dead-LED handling, AimhueSearch, AimhueSetPercentCalcChroma,
-// AimhueCalcWhite, AimhueCalcPercentOfTarget, AimhueCalcPercentNG and
-// AimhueJudgeNG on `meters` and, when `result_file` is not empty, saves the
-// record with AimhueSave. Fills everything of the report but its source and
-// outputs. A library status other than 0 ends the command (CommandError).
-CalibrationReport Calibrate(Meters& meters, const CalibrationSettings& settings,
-                            const std::string& result_file);
+// A calibrated engine record and what the run reports about it.
+struct Calibration {
+  Handle handle;
+  CalibrationReport report;
+};
 
-// Ends the command (CommandError, exit status 3) when a target is not
-// finite: the library then reported success, but the result is of no use.
-// Called after the report is printed, so the user sees where NaN came from
-// (usually dead LEDs kept with --keep-dead).
-void CheckTargetsFinite(const CalibrationReport& report);
+// Runs AimhueSearchScreen, AimhueSetPercentCalcChroma, AimhueCalcWhite,
+// AimhueCalcPercentNGScreen (the coverage of the targets and the NG limit
+// from one count) and AimhueJudgeNGScreen on the screen, then counts the
+// LEDs that miss a target. Fills everything of the report but its source,
+// outputs and the timings of the steps before. Writes nothing. A library
+// status other than 0 ends the command (CommandError).
+Calibration Calibrate(const MeasuredScreen& measured, const CalibrationSettings& settings);
+
+// Ends the command (CommandError, exit status 3) when a target or the NG
+// limit is not finite: the library then reported success, but the result
+// could judge nothing (a NaN limit passes every screen). Called after the
+// report is printed and before any output is written, so the user sees
+// where NaN came from (dead LEDs kept with --keep-dead, meters of zeros).
+void CheckCalibration(const CalibrationReport& report);
+
+// The files a calibration writes; an empty name is not written.
+struct CalibrationOutputs {
+  std::string result;  // the engine's results, ".aimhue"
+  std::string plot;    // the gamut plot, PNG
+  std::string json;    // the report as JSON
+};
+
+// CheckCalibration (printing the report to standard output first when it
+// refuses), then writes the outputs all together (OutputTransaction) and
+// lists them in the report's outputs. Nothing is written when any step
+// fails.
+void WriteCalibrationOutputs(Calibration& calibration, const MeasuredScreen& measured,
+                             const CalibrationOutputs& files);
 
 }  // namespace tool
 }  // namespace aimhue

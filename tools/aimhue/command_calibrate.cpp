@@ -23,22 +23,17 @@ int RunCalibrate(const CalibrateOptions& options) {
   const CalibrationSettings settings = ParseCalibrationSettings(options.calibration);
   const MeterFiles files = options.meters.ToMeterFiles();
   std::vector<TimedStep> loading;
-  Meters meters;
-  Timed(loading, "load meters", [&] { meters = LoadMeters(files); });
-  CalibrationReport report = Calibrate(meters, settings, options.result);
+  MeasuredScreen measured;
+  Timed(loading, "load meters, dead LEDs, combine", [&] {
+    measured = MeasureScreen([&](int primary) { return LoadPrimary(files, primary); },
+                             !settings.keepDead, kPlottedLedsPerPrimary);
+  });
+  Calibration calibration = Calibrate(measured, settings);
+  CalibrationReport& report = calibration.report;
   report.source = DescribeMeterFiles(files);
   report.timings.insert(report.timings.begin(), loading.begin(), loading.end());
-  report.outputs.push_back(options.result);
-  if (!options.plot.empty()) {
-    Timed(report.timings, "gamut plot", [&] { WriteGamutPlot(options.plot, meters, report); });
-    report.outputs.push_back(options.plot);
-  }
-  if (!options.json.empty()) {
-    report.outputs.push_back(options.json);
-    WriteJsonFile(options.json, CalibrationReportJson(report));
-  }
+  WriteCalibrationOutputs(calibration, measured, {options.result, options.plot, options.json});
   PrintCalibrationReport(std::cout, report);
-  CheckTargetsFinite(report);
   return kExitOk;
 }
 
@@ -60,10 +55,12 @@ void AddCalibrateCommand(CLI::App& app, int& exit_status) {
   command->add_option("-o,--output", options->result, "Result file for the engine's results;"
                                                       " the name must end in .aimhue.")
       ->capture_default_str()
+      ->check(FileNameEnding(".aimhue"))
       ->type_name("FILE.aimhue");
   command->add_option("--json", options->json, "Also write the report as JSON to this file.")
       ->type_name("FILE");
   command->add_option("--plot", options->plot, "Also draw the gamut plot into this PNG file.")
+      ->check(FileNameEnding(".png"))
       ->type_name("FILE.png");
   command->footer(std::string(
       "Examples:\n"

@@ -31,7 +31,7 @@ int RunDemo(const DemoOptions& options) {
   const std::string plot_file = (folder / "gamut.png").string();
 
   std::vector<TimedStep> generation;
-  Meters meters;
+  synthetic::ScreenMeters meters;
   Timed(generation, "generate screen", [&] {
     synthetic::ScreenOptions screen;
     screen.cols = size.cols;
@@ -39,15 +39,18 @@ int RunDemo(const DemoOptions& options) {
     screen.seed = options.seed;
     meters = synthetic::GenerateMeters(screen);
   });
-  CalibrationReport report = Calibrate(meters, settings, result_file);
+  MeasuredScreen measured;
+  Timed(generation, "dead LEDs, combine", [&] {
+    measured = MeasureScreen([&](int primary) { return std::move(meters[primary]); },
+                             !settings.keepDead, kPlottedLedsPerPrimary);
+  });
+  Calibration calibration = Calibrate(measured, settings);
+  CalibrationReport& report = calibration.report;
   report.source = "synthetic screen " + std::to_string(size.cols) + " x " +
                   std::to_string(size.rows) + ", seed " + std::to_string(options.seed);
   report.timings.insert(report.timings.begin(), generation.begin(), generation.end());
-  Timed(report.timings, "gamut plot", [&] { WriteGamutPlot(plot_file, meters, report); });
-  report.outputs = {result_file, json_file, plot_file};
-  WriteJsonFile(json_file, CalibrationReportJson(report));
+  WriteCalibrationOutputs(calibration, measured, {result_file, plot_file, json_file});
   PrintCalibrationReport(std::cout, report);
-  CheckTargetsFinite(report);
   return kExitOk;
 }
 

@@ -6,6 +6,7 @@
 #include "command_error.h"
 #include "commands.h"
 #include "file_inspection.h"
+#include "output_files.h"
 
 namespace aimhue {
 namespace tool {
@@ -33,7 +34,7 @@ int RunInspect(const InspectOptions& options) {
       if (options.json) all.push_back({{"file", file}, {"error", error.what()}});
     }
   }
-  if (options.json) std::cout << all.dump(2) << "\n";
+  if (options.json) std::cout << JsonText(all);
   return exit_status;
 }
 

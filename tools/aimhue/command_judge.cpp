@@ -1,6 +1,7 @@
 // aimhue judge and aimhue coverage: stored targets against a measurement.
 #include <aimhue/api.h>
 
+#include <cmath>
 #include <iostream>
 #include <memory>
 
@@ -11,6 +12,7 @@
 #include "coverage_count.h"
 #include "engine_handle.h"
 #include "output_files.h"
+#include "output_transaction.h"
 
 namespace aimhue {
 namespace tool {
@@ -34,36 +36,64 @@ cv::Mat ReadMask(const std::string& file) {
   return mask;
 }
 
+// Refuses stored results that cannot count or judge anything: targets that
+// are not finite reach no LED or every LED by accident, and a NaN limit
+// passes every screen. A negative limit is what a threshold above the
+// calibrated coverage gives; it is legal but passes every screen too.
+void CheckStoredResults(const std::string& file, const TargetBlock& targets, float ng_limit,
+                        bool judge) {
+  if (!TargetsFinite(targets)) {
+    throw CommandError(kExitLibrary, "the results '" + file + "' hold targets that are not"
+                                     " finite: they cannot be counted or judged");
+  }
+  if (!judge) return;
+  if (!std::isfinite(ng_limit)) {
+    throw CommandError(kExitLibrary, "the results '" + file + "' hold an NG limit that is not"
+                                     " finite (" + FloatText(ng_limit) + "): it cannot judge");
+  }
+  if (ng_limit < 0.0f) {
+    std::cerr << "aimhue judge: warning: the NG limit " << FloatText(ng_limit) << " of '" << file
+              << "' is negative: every measurement passes it\n";
+  }
+}
+
 CoverageReport MeasureCoverage(const JudgeOptions& options, bool judge) {
   const MeterFiles files = options.meters.ToMeterFiles();
   const Handle handle = LoadHandle(options.targets);
-  const Meters meters = LoadMeters(files);
+  const AimhueResults results = GetResults(handle.get());
   CoverageReport report;
+  report.targets = ToBlock(results.targets);
+  if (judge) report.ngLimit = results.ngLimit;
+  CheckStoredResults(options.targets, report.targets, report.ngLimit, judge);
+  const cv::Mat mask = options.mask.empty() ? cv::Mat() : ReadMask(options.mask);
+  // Dead LEDs are counted, not repaired: a dead LED reaches no target.
+  const MeasuredScreen measured =
+      MeasureScreen([&](int primary) { return LoadPrimary(files, primary); }, false, 0);
   report.source = DescribeMeterFiles(files);
   report.targetsFile = options.targets;
   report.maskFile = options.mask;
-  report.screen = MeterScreen(meters);
-  report.deadLeds = CountDeadLeds(meters);
-  report.targets = GetTargets(handle.get());
-  const cv::Mat mask = options.mask.empty() ? cv::Mat() : ReadMask(options.mask);
-  report.coverage = CountCoverage(meters, report.targets, mask);
+  report.screen = measured.size;
+  report.deadLeds = measured.dead.found;
   if (judge) {
-    const MeterTriple red = Triple(meters, 0);
-    const MeterTriple green = Triple(meters, 1);
-    const MeterTriple blue = Triple(meters, 2);
+    // One count gives both the coverage and the verdict.
     bool ng = true;
-    CheckStatus(AimhueJudgeNG(handle.get(), &ng, red.get(), green.get(), blue.get(), 3),
+    CheckStatus(AimhueJudgeNGScreen(handle.get(), measured.screen.get(), &ng, &report.coverage),
                 "the NG judgement refused the meters");
     report.judged = true;
     report.ng = ng;
-    report.ngLimit = ReadEngineImage(handle.get()).ngLimit;
+  } else {
+    report.coverage = CountCoverage(measured.screen.get(), report.targets, mask);
   }
   return report;
 }
 
 int RunCoverageOrJudge(const JudgeOptions& options, bool judge) {
   const CoverageReport report = MeasureCoverage(options, judge);
-  if (!options.json.empty()) WriteJsonFile(options.json, CoverageReportJson(report));
+  if (!options.json.empty()) {
+    OutputTransaction outputs;
+    outputs.Add(options.json, JsonText(CoverageReportJson(report)));
+    outputs.Commit();
+  }
   PrintCoverageReport(std::cout, report);
   return judge && report.ng ? kExitNg : kExitOk;
 }

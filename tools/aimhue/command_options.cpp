@@ -35,6 +35,17 @@ void AddMeterFileOptions(CLI::App& command, MeterFileOptions& options) {
   }
 }
 
+CLI::Validator FileNameEnding(const std::string& extension) {
+  return CLI::Validator(
+      [extension](std::string& name) {
+        const bool ends = name.size() > extension.size() &&
+                          name.compare(name.size() - extension.size(), extension.size(),
+                                       extension) == 0;
+        return ends ? std::string() : "the file name must end in " + extension;
+      },
+      "", "file name ending in " + extension);
+}
+
 ScreenSize RequireScreenSize(const std::string& text) {
   const auto size = ParseScreenSize(text);
   if (!size) {

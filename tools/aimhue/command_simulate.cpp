@@ -6,6 +6,7 @@
 
 #include "command_error.h"
 #include "commands.h"
+#include "output_transaction.h"
 
 namespace aimhue {
 namespace tool {
@@ -18,6 +19,16 @@ struct SimulateOptions {
   int dead = 3;
   int outliers = 20;
 };
+
+// The meter's ".meter" content (LedMeter::GetBufferSize, ToBuffer).
+std::string MeterFileBytes(const LedMeter& meter, const std::string& file) {
+  uint64_t size = 0;
+  CheckStatus(meter.GetBufferSize(&size), "cannot size the meter '" + file + "'");
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  CheckStatus(meter.ToBuffer(bytes.data(), &size), "cannot encode the meter '" + file + "'");
+  bytes.resize(static_cast<std::size_t>(size));
+  return bytes;
+}
 
 int RunSimulate(const SimulateOptions& options) {
   const ScreenSize size = RequireScreenSize(options.size);
@@ -34,13 +45,15 @@ int RunSimulate(const SimulateOptions& options) {
   screen.deadCount = options.dead;
   screen.outlierCount = options.outliers;
   const synthetic::ScreenMeters meters = synthetic::GenerateMeters(screen);
-  CheckStatus(synthetic::WriteMeterFiles(meters, options.out),
-              "cannot write the meter files into '" + options.out + "'", kExitOutput);
+  OutputTransaction outputs;
   for (int p = 0; p < 3; ++p) {
     for (int c = 0; c < 3; ++c) {
-      std::cout << synthetic::MeterFilePath(options.out, p, c) << "\n";
+      const std::string file = synthetic::MeterFilePath(options.out, p, c);
+      outputs.Add(file, MeterFileBytes(meters[p][c], file));
     }
   }
+  outputs.Commit();
+  for (const std::string& file : outputs.Targets()) std::cout << file << "\n";
   return kExitOk;
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <CLI/App.hpp>
+#include <CLI/Validators.hpp>
 
 #include "meter_set.h"
 
@@ -28,6 +29,11 @@ struct MeterFileOptions {
   MeterFiles ToMeterFiles() const;
 };
 void AddMeterFileOptions(CLI::App& command, MeterFileOptions& options);
+
+// Accepts a file name that ends in `extension` (".aimhue") after at least
+// one other character; the tool writes the library's formats from their
+// buffers, so it checks the name the library's own writer would.
+CLI::Validator FileNameEnding(const std::string& extension);
 
 // The help footer's paragraph on the AIMHUE_LOG environment variable.
 extern const char* const kEnvironmentHelp;

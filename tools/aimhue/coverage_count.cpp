@@ -1,22 +1,17 @@
 // Coverage counts through the exported interface.
 #include "coverage_count.h"
 
-#include <aimhue/api.h>
-
 #include <cstdint>
+#include <vector>
 
 #include "command_error.h"
 
 namespace aimhue {
 namespace tool {
 
-Coverage CountCoverage(const Meters& meters, const TargetBlock& targets, const cv::Mat& mask) {
-  float block[12];
-  for (int i = 0; i < 4; ++i) {
-    block[3 * i] = targets[i].L;
-    block[3 * i + 1] = targets[i].x;
-    block[3 * i + 2] = targets[i].y;
-  }
+Coverage CountCoverage(AimhueScreen screen, const TargetBlock& targets, const cv::Mat& mask) {
+  float block[kTargetBlockFloats];
+  for (int i = 0; i < kTargetPointCount; ++i) SetTargetAt(block, i, targets[i]);
   AimhueImage descriptor{};
   const AimhueImage* mask_pointer = nullptr;
   const cv::Mat pixels = mask.isContinuous() ? mask : mask.clone();  // rows without gaps
@@ -31,15 +26,22 @@ Coverage CountCoverage(const Meters& meters, const TargetBlock& targets, const c
     descriptor.data = pixels.data;
     mask_pointer = &descriptor;
   }
-  float coverage[4] = {};
-  const MeterTriple red = Triple(meters, 0);
-  const MeterTriple green = Triple(meters, 1);
-  const MeterTriple blue = Triple(meters, 2);
-  CheckStatus(AimhueCalcPercentOfTarget(red.get(), green.get(), blue.get(), block, coverage,
-                                        mask_pointer, 3),
+  Coverage coverage{};
+  CheckStatus(AimhueCalcScreenCoverage(screen, block, mask_pointer, &coverage, nullptr, 0),
               mask.empty() ? "the coverage count refused the meters"
                            : "the coverage count refused the meters or the mask");
-  return Coverage{coverage[0], coverage[1], coverage[2], coverage[3]};
+  return coverage;
+}
+
+int64_t CountLedsMissingTargets(AimhueScreen screen, const TargetLxy (&targets)[4],
+                                const ScreenSize& size) {
+  float block[kTargetBlockFloats];
+  for (int i = 0; i < kTargetPointCount; ++i) SetTargetAt(block, i, targets[i]);
+  cv::Mat misses(size.rows, size.cols, CV_8UC1);
+  CheckStatus(AimhueCalcScreenCoverage(screen, block, nullptr, nullptr, misses.data,
+                                       misses.total()),
+              "the coverage count refused the meters");
+  return cv::countNonZero(misses);
 }
 
 }  // namespace tool

@@ -4,18 +4,25 @@
 
 #include <opencv2/core.hpp>
 
-#include "meter_set.h"
+#include <aimhue/screen.h>
+
+#include "arguments.h"
 #include "report.h"
 
 namespace aimhue {
 namespace tool {
 
-// AimhueCalcPercentOfTarget on the nine meters with `targets`, restricted to
-// the non-zero pixels of `mask` unless it is empty. The mask is handed over
+// AimhueCalcScreenCoverage on the screen with `targets`, restricted to the
+// non-zero pixels of `mask` unless it is empty. The mask is handed over
 // as it is (any element type); the library refuses one that is not 8-bit
 // single-channel (status 6) or not of the screen's size (status 9). A
 // library status other than 0 ends the command (CommandError, exit status 3).
-Coverage CountCoverage(const Meters& meters, const TargetBlock& targets, const cv::Mat& mask);
+Coverage CountCoverage(AimhueScreen screen, const TargetBlock& targets, const cv::Mat& mask);
+
+// The LEDs whose own gamut misses at least one of the targets, from the
+// screen's per-LED miss plane (AimhueCalcScreenCoverage).
+int64_t CountLedsMissingTargets(AimhueScreen screen, const TargetLxy (&targets)[4],
+                                const ScreenSize& size);
 
 }  // namespace tool
 }  // namespace aimhue

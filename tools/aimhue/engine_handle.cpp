@@ -1,7 +1,5 @@
-// Engine handles of the tool.
+// Engine handles and screens of the tool.
 #include "engine_handle.h"
-
-#include <vector>
 
 #include "command_error.h"
 
@@ -21,25 +19,20 @@ Handle LoadHandle(const std::string& file) {
   return handle;
 }
 
-TargetBlock GetTargets(Aimhue* handle) {
-  float values[12] = {};
-  CheckStatus(AimhueGet(handle, values, nullptr), "cannot read the targets");
-  TargetBlock block{};
-  for (std::size_t i = 0; i < block.size(); ++i) {
-    block[i] = TargetLxy{values[3 * i], values[3 * i + 1], values[3 * i + 2]};
-  }
-  return block;
+ScreenHandle CreateScreen() {
+  AimhueScreen raw = nullptr;
+  CheckStatus(AimhueCreateScreen(&raw), "cannot create a screen");
+  return ScreenHandle(raw);
 }
 
-EngineImage ReadEngineImage(Aimhue* handle) {
-  uint64_t size = 0;
-  CheckStatus(AimhueGetBufferSize(handle, &size), "cannot size the engine record");
-  if (size > 4096) throw CommandError(kExitLibrary, "the engine record's size is implausible");
-  std::vector<char> bytes(static_cast<std::size_t>(size));
-  CheckStatus(AimhueToBuffer(handle, bytes.data(), &size), "cannot read the engine record");
-  const auto image = DecodeEngineImage(bytes.data(), static_cast<std::size_t>(size));
-  if (!image) throw CommandError(kExitLibrary, "the engine record's buffer image is not readable");
-  return *image;
+AimhueResults GetResults(Aimhue* handle) {
+  AimhueResults results{};
+  CheckStatus(AimhueGetResults(handle, &results), "cannot read the engine's results");
+  return results;
+}
+
+TargetBlock ToBlock(const TargetLxy (&points)[4]) {
+  return TargetBlock{points[0], points[1], points[2], points[3]};
 }
 
 }  // namespace tool

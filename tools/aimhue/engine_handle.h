@@ -1,14 +1,15 @@
-// An engine handle owned by the tool, and the reads the commands make from
-// it through the public interface.
+// An engine handle and a screen owned by the tool, and the reads the
+// commands make from them through the public interface.
 #ifndef AIMHUE_TOOLS_ENGINE_HANDLE_H_
 #define AIMHUE_TOOLS_ENGINE_HANDLE_H_
 
 #include <aimhue/api.h>
+#include <aimhue/screen.h>
 
 #include <memory>
 #include <string>
 
-#include "engine_image.h"
+#include "report.h"
 
 namespace aimhue {
 namespace tool {
@@ -18,6 +19,11 @@ struct HandleDeleter {
 };
 using Handle = std::unique_ptr<Aimhue, HandleDeleter>;
 
+struct ScreenDeleter {
+  void operator()(aimhue::Screen* screen) const { AimhueDestroyScreen(screen); }
+};
+using ScreenHandle = std::unique_ptr<aimhue::Screen, ScreenDeleter>;
+
 // A fresh engine record with its defaults; CommandError when none can be
 // made.
 Handle CreateHandle();
@@ -26,11 +32,14 @@ Handle CreateHandle();
 // the library's status when it cannot be loaded.
 Handle LoadHandle(const std::string& file);
 
-// The target block (AimhueGet).
-TargetBlock GetTargets(Aimhue* handle);
+// An empty screen; CommandError when none can be made.
+ScreenHandle CreateScreen();
 
-// Everything the record stores, read from its buffer image.
-EngineImage ReadEngineImage(Aimhue* handle);
+// Everything the record holds (AimhueGetResults).
+AimhueResults GetResults(Aimhue* handle);
+
+// A block of four points as the tool's reports take it.
+TargetBlock ToBlock(const TargetLxy (&points)[4]);
 
 }  // namespace tool
 }  // namespace aimhue

@@ -4,9 +4,11 @@
 #include <aimhue/led_meter.h>
 #include <aimhue/shot.h>
 
+#include <cfloat>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <initializer_list>
 
 #include "command_error.h"
@@ -15,10 +17,6 @@
 namespace aimhue {
 namespace tool {
 namespace {
-
-bool EndsWith(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
 
 const char* TypeName(uint32_t type) {
   switch (type) {
@@ -34,50 +32,31 @@ const char* TypeName(uint32_t type) {
   }
 }
 
-// An OpenCV element type as "32F", "8UC2", ...
-std::string ElementType(int type) {
-  static const char* const kDepths[] = {"8U", "8S", "16U", "16S", "32S", "32F", "64F", "16F"};
-  const int channels = CV_MAT_CN(type);
-  std::string text = kDepths[CV_MAT_DEPTH(type)];
-  if (channels > 1) text += "C" + std::to_string(channels);
-  return text;
-}
-
 ReportJson PlaneJson(const cv::Mat& plane) {
   return ReportJson{{"rows", plane.rows}, {"cols", plane.cols},
-                    {"type", plane.empty() ? std::string("empty") : ElementType(plane.type())}};
+                    {"type", plane.empty() ? std::string("empty") : cv::typeToString(plane.type())}};
 }
 
 // Minimum, maximum and mean over the finite values of a plane of any depth
 // and channel count, and the counts of zero and non-finite values.
 void AddStatistics(ReportJson& json, const cv::Mat& plane) {
+  cv::Mat values;  // doubles, one row per element, one column per channel
+  if (!plane.empty()) plane.reshape(1, static_cast<int>(plane.total())).convertTo(values, CV_64F);
+  cv::Mat finite;  // NaN and infinities fail the comparison
+  if (!values.empty()) finite = cv::abs(values) <= DBL_MAX;
+  const int64_t count = values.empty() ? 0 : cv::countNonZero(finite);
   double low = NAN;
   double high = NAN;
-  double sum = 0.0;
-  int64_t finite = 0;
-  int64_t zeros = 0;
-  int64_t non_finite = 0;
-  cv::Mat values;
-  if (!plane.empty()) plane.reshape(1, static_cast<int>(plane.total())).convertTo(values, CV_64F);
-  for (int i = 0; i < values.rows; ++i) {
-    for (int c = 0; c < values.cols; ++c) {
-      const double value = values.at<double>(i, c);
-      if (!std::isfinite(value)) {
-        ++non_finite;
-        continue;
-      }
-      zeros += value == 0.0;
-      low = finite == 0 ? value : std::min(low, value);
-      high = finite == 0 ? value : std::max(high, value);
-      sum += value;
-      ++finite;
-    }
+  double mean = NAN;
+  if (count > 0) {
+    cv::minMaxLoc(values, &low, &high, nullptr, nullptr, finite);
+    mean = cv::mean(values, finite)[0];
   }
   json["min"] = static_cast<float>(low);
   json["max"] = static_cast<float>(high);
-  json["mean"] = static_cast<float>(finite > 0 ? sum / static_cast<double>(finite) : NAN);
-  json["zeros"] = zeros;
-  json["nonFinite"] = non_finite;
+  json["mean"] = static_cast<float>(mean);
+  json["zeros"] = values.empty() ? int64_t{0} : int64_t{cv::countNonZero(values == 0.0)};
+  json["nonFinite"] = static_cast<int64_t>(values.total()) - count;
 }
 
 // The records shared by meters and shots, under the names of `json`.
@@ -106,14 +85,14 @@ void AddRecords(ReportJson& json, const Partition* partition, const LedPanel* pa
 
 ReportJson InspectResults(const std::string& file) {
   const Handle handle = LoadHandle(file);
-  const EngineImage image = ReadEngineImage(handle.get());
+  const AimhueResults results = GetResults(handle.get());
   ReportJson json{{"file", file}, {"kind", "aimhue"}};
   json["fractions"] = ReportJson::array();
-  for (const float fraction : image.fractions) json["fractions"].push_back(fraction);
-  json["ngLimit"] = image.ngLimit;
-  json["targets"] = TargetBlockJson(image.target);
-  json["searchEnd"] = TargetBlockJson(image.searchEnd);
-  json["searchStart"] = TargetBlockJson(image.searchStart);
+  for (const float fraction : results.fractions) json["fractions"].push_back(fraction);
+  json["ngLimit"] = results.ngLimit;
+  json["targets"] = TargetBlockJson(ToBlock(results.targets));
+  json["searchEnd"] = TargetBlockJson(ToBlock(results.searchEnd));
+  json["searchStart"] = TargetBlockJson(ToBlock(results.searchStart));
   return json;
 }
 
@@ -161,9 +140,61 @@ ReportJson InspectShot(const std::string& file) {
   return json;
 }
 
+// Length of the valid UTF-8 sequence of a printable character at `text`,
+// or 0: control characters (C0, DEL and the C1 range U+0080 to U+009F)
+// and bytes that are not UTF-8 are not printable.
+std::size_t PrintableLength(const unsigned char* text, std::size_t left) {
+  const unsigned char lead = text[0];
+  if (lead >= 0x20 && lead < 0x7f) return 1;
+  std::size_t length = 0;
+  uint32_t code = 0;
+  if (lead >= 0xc2 && lead <= 0xdf) {
+    length = 2;
+    code = lead & 0x1fu;
+  } else if (lead >= 0xe0 && lead <= 0xef) {
+    length = 3;
+    code = lead & 0x0fu;
+  } else if (lead >= 0xf0 && lead <= 0xf4) {
+    length = 4;
+    code = lead & 0x07u;
+  } else {
+    return 0;
+  }
+  if (length > left) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((text[i] & 0xc0u) != 0x80u) return 0;
+    code = code << 6 | (text[i] & 0x3fu);
+  }
+  const uint32_t smallest[5] = {0, 0, 0x80, 0x800, 0x10000};
+  const bool valid = code >= smallest[length] && code <= 0x10ffff &&
+                     !(code >= 0xd800 && code <= 0xdfff) && !(code >= 0x80 && code <= 0x9f);
+  return valid ? length : 0;
+}
+
+// `text` safe for a terminal: every byte that is not part of a printable
+// UTF-8 character becomes \xNN, so a file's stored strings cannot send
+// control sequences.
+std::string Printable(const std::string& text) {
+  std::string printable;
+  const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t length = PrintableLength(bytes + i, text.size() - i);
+    if (length > 0) {
+      printable.append(text, i, length);
+      i += length;
+    } else {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\x%02x", bytes[i]);
+      printable += escaped;
+      ++i;
+    }
+  }
+  return printable;
+}
+
 std::string Text(const ReportJson& value) {
   if (value.is_number_float()) return FloatText(value.get<float>());
-  if (value.is_string()) return value.get<std::string>();
+  if (value.is_string()) return Printable(value.get<std::string>());
   return value.dump();
 }
 
@@ -245,15 +276,17 @@ void PrintShot(std::ostream& out, const ReportJson& json) {
 }  // namespace
 
 ReportJson InspectFile(const std::string& file) {
-  if (EndsWith(file, ".aimhue")) return InspectResults(file);
-  if (EndsWith(file, ".meter")) return InspectMeter(file);
-  if (EndsWith(file, ".shot")) return InspectShot(file);
+  // The loaders check the name's extension themselves; this only picks one.
+  const std::string extension = std::filesystem::path(file).extension().string();
+  if (extension == ".aimhue") return InspectResults(file);
+  if (extension == ".meter") return InspectMeter(file);
+  if (extension == ".shot") return InspectShot(file);
   throw CommandError(kExitUsage, "unknown kind of file: expected a name ending in .aimhue, .meter"
                                  " or .shot");
 }
 
 void PrintInspection(std::ostream& out, const ReportJson& inspection) {
-  out << inspection["file"].get<std::string>() << "\n";
+  out << Printable(inspection["file"].get<std::string>()) << "\n";
   const std::string kind = inspection["kind"].get<std::string>();
   if (kind == "aimhue") {
     PrintResults(out, inspection);

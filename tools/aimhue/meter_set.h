@@ -1,57 +1,89 @@
-// The nine meters of one measurement (red, green, blue; each X, Y, Z), as
-// the tool loads them from ".meter" files or gets them from the synthetic
-// screen generator, and the handling of dead LEDs before a search.
+// The meters of one measurement (red, green, blue; each X, Y, Z), as the
+// tool loads them from ".meter" files or gets them from the synthetic
+// screen generator, the handling of dead LEDs, and their combination into
+// a screen one primary at a time.
 #ifndef AIMHUE_TOOLS_METER_SET_H_
 #define AIMHUE_TOOLS_METER_SET_H_
 
 #include <aimhue/led_meter.h>
+#include <aimhue/target.h>
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <vector>
+
+#include <opencv2/core.hpp>
 
 #include "arguments.h"
+#include "engine_handle.h"
 #include "report.h"
 
 namespace aimhue {
 namespace tool {
 
+// One primary's X, Y and Z meters.
+using PrimaryMeters = std::array<LedMeter, 3>;
 // Red, green, blue; each X, Y, Z.
-using Meters = std::array<std::array<LedMeter, 3>, 3>;
-using MeterFiles = std::array<std::array<std::string, 3>, 3>;
+using MeterFiles = std::array<std::array<std::string, 3>, kPrimaryCount>;
 
-// The three meter pointers of one primary in the order the library takes
-// them (X, Y, Z).
-struct MeterTriple {
-  std::array<const LedMeter*, 3> pointers{};
-  const LedMeter* const* get() const { return pointers.data(); }
-};
-MeterTriple Triple(const Meters& meters, int primary);
+// Ends the command (CommandError, exit status 3) unless `meter`, loaded
+// from `file`, holds the colour code of `primary` (0, 1, 2: red, green,
+// blue) and the type of `axis` (0, 1, 2: CIE_X, CIE_Y, CIE_Z). The library
+// takes a triple's roles by position and checks only that the types
+// differ, so swapped X and Y files or another primary's files would
+// otherwise give targets of no use.
+void CheckMeterRole(const LedMeter& meter, const std::string& file, int primary, int axis);
 
-// Loads the nine files. A library status other than 0 ends the command
+// Loads one primary's three files and checks each one's role. A library
+// status other than 0 or a meter in the wrong place ends the command
 // (CommandError, exit status 3) naming the file.
-Meters LoadMeters(const MeterFiles& files);
-
-// The LED columns and rows of the red X meter's chroma plane.
-ScreenSize MeterScreen(const Meters& meters);
+PrimaryMeters LoadPrimary(const MeterFiles& files, int primary);
 
 // A short description of the files for reports: "meter files in DIR" when
 // the nine share a folder, otherwise their names separated by blanks.
 std::string DescribeMeterFiles(const MeterFiles& files);
 
-// LEDs of each primary whose X, Y and Z are all 0. Such an LED has no
-// chromaticity (0 / 0), and the search would average its NaN into every
-// mean. A primary whose three chroma planes are not 32-bit float planes of
-// one size counts 0: the library reports that mismatch itself.
-std::array<int64_t, 3> CountDeadLeds(const Meters& meters);
+// LEDs whose X, Y and Z are all 0. Such an LED has no chromaticity (0 / 0),
+// and the search would average its NaN into every mean. Planes that are not
+// 32-bit float planes of one size count 0: the library reports that
+// mismatch itself.
+int64_t CountDeadLeds(const PrimaryMeters& meters);
+
+// Dead LEDs of one primary, before and after the repair.
+struct DeadLeds {
+  int64_t found = 0;
+  int64_t remaining = 0;
+};
 
 // Counts the dead LEDs and, when `repair` holds, marks them in the state
-// planes of their three meters (bit 0; a state plane that is empty or of
-// another size is replaced by zeros first) and replaces their values by the
-// 3 x 3 median of their neighbours (LedMeter::FixDeadPoint). LEDs already
-// marked in a state plane are repaired too. A dead LED inside a cluster of
-// dead LEDs may stay dead; `remaining` counts them.
-DeadLedSummary HandleDeadLeds(Meters& meters, bool repair);
+// planes of the three meters (bit 0, the bit LedMeter::FixDeadPoint reads;
+// a state plane that is empty or of another size is replaced by zeros
+// first) and replaces their values by the 3 x 3 median of their neighbours
+// (LedMeter::FixDeadPoint). LEDs already marked in a state plane are
+// repaired too. A dead LED inside a cluster of dead LEDs may stay dead;
+// `remaining` counts them.
+DeadLeds HandleDeadLeds(PrimaryMeters& meters, bool repair);
+
+// A measurement combined into a screen, with what the reports need from
+// the meters, which are gone by then.
+struct MeasuredScreen {
+  ScreenHandle screen;
+  ScreenSize size;
+  DeadLedSummary dead;
+  std::array<std::vector<cv::Point2f>, kPrimaryCount> leds;  // plot sample per primary
+};
+
+// Builds the screen one primary at a time: `primary(p)` gives primary p's
+// meters (red, green, blue in turn); their dead LEDs are counted (and
+// repaired when `repair` holds), implausible values are reported on
+// standard error, a sample of at most `plotted_leds` chromaticities is kept
+// for the gamut plot, and the primary is set on the screen
+// (AimhueScreenSetPrimary). The meters are freed before the next primary
+// is read, so the peak memory stays near the measurement's size.
+MeasuredScreen MeasureScreen(const std::function<PrimaryMeters(int)>& primary, bool repair,
+                             std::size_t plotted_leds);
 
 }  // namespace tool
 }  // namespace aimhue

@@ -1,7 +1,7 @@
-// Writing the JSON report and the gamut plot.
+// The content of the result, report and plot files.
 #include "output_files.h"
 
-#include <fstream>
+#include <vector>
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -10,37 +10,36 @@
 
 namespace aimhue {
 namespace tool {
-namespace {
-
-constexpr std::size_t kPlottedLedsPerPrimary = 300000;
-
-}  // namespace
-
-void WriteJsonFile(const std::string& file, const ReportJson& json) {
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  out << json.dump(2) << "\n";
-  out.close();
-  if (!out) throw CommandError(kExitOutput, "cannot write the JSON report '" + file + "'");
+std::string EngineFileBytes(AimhueHandle handle) {
+  uint64_t size = 0;
+  CheckStatus(AimhueGetBufferSize(handle, &size), "cannot size the engine's results");
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  CheckStatus(AimhueToBuffer(handle, bytes.data(), &size), "cannot read the engine's results");
+  bytes.resize(static_cast<std::size_t>(size));
+  return bytes;
 }
 
-void WriteGamutPlot(const std::string& file, const Meters& meters, const CalibrationReport& report) {
+std::string JsonText(const ReportJson& json) {
+  return json.dump(2, ' ', false, ReportJson::error_handler_t::replace) + "\n";
+}
+
+std::string GamutPlotPng(const std::array<std::vector<cv::Point2f>, kPrimaryCount>& leds,
+                        const CalibrationReport& report) {
   GamutPlotInput input;
   input.title = "aimhue gamut plot - " + report.source;
   input.whiteName = report.white.name;
-  for (int p = 0; p < 3; ++p) {
-    input.leds[p] = LedChromaticities(meters[p][0].chroma, meters[p][1].chroma, meters[p][2].chroma,
-                                      kPlottedLedsPerPrimary);
-  }
+  input.leds = leds;
   input.searchStart = report.searchStart;
   input.targets = report.targets;
-  const cv::Mat image = DrawGamutPlot(input);
-  bool written = false;
+  std::vector<uchar> png;
+  bool encoded = false;
   try {
-    written = cv::imwrite(file, image);
+    encoded = cv::imencode(".png", DrawGamutPlot(input), png);
   } catch (const cv::Exception&) {
-    written = false;  // an unknown extension: OpenCV throws instead of returning false
+    encoded = false;
   }
-  if (!written) throw CommandError(kExitOutput, "cannot write the gamut plot '" + file + "'");
+  if (!encoded) throw CommandError(kExitOutput, "cannot encode the gamut plot");
+  return std::string(png.begin(), png.end());
 }
 
 }  // namespace tool

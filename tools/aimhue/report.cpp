@@ -36,12 +36,6 @@ ReportJson FloatArray(const float* values, std::size_t count) {
   return array;
 }
 
-ReportJson NamedFloats(const float* values, const char* const* names, std::size_t count) {
-  ReportJson object = ReportJson::object();
-  for (std::size_t i = 0; i < count; ++i) object[names[i]] = values[i];
-  return object;
-}
-
 ReportJson ScreenJson(const ScreenSize& screen) {
   return ReportJson{{"cols", screen.cols}, {"rows", screen.rows},
                     {"leds", static_cast<int64_t>(screen.cols) * screen.rows}};
@@ -76,10 +70,13 @@ std::string FloatText(float value) {
   return std::string(text, result.ptr);
 }
 
-int64_t LedsMissingTargets(const Coverage& coverage, int64_t leds) {
-  if (!std::isfinite(coverage.all)) return 0;
-  return static_cast<int64_t>(
-      std::llround((1.0 - static_cast<double>(coverage.all)) * static_cast<double>(leds)));
+bool TargetsFinite(const TargetBlock& block) {
+  for (const TargetLxy& target : block) {
+    if (!std::isfinite(target.L) || !std::isfinite(target.x) || !std::isfinite(target.y)) {
+      return false;
+    }
+  }
+  return true;
 }
 
 ReportJson TargetBlockJson(const TargetBlock& block) {
@@ -134,19 +131,16 @@ void PrintCalibrationReport(std::ostream& out, const CalibrationReport& report) 
   PrintTargetBlock(out, "Search start", report.searchStart);
   out << "              (the primaries' mean chromaticities; white not set by the search)\n";
   PrintTargetBlock(out, "Targets", report.targets);
-  out << Format("White gains   new L / rescaled L: red %s, green %s, blue %s\n",
-                FloatText(report.gains[0]).c_str(), FloatText(report.gains[1]).c_str(),
-                FloatText(report.gains[2]).c_str());
   out << "\n";
   PrintCoverage(out, report.coverage);
   out << Format("NG limit      %s (coverage of all three minus the threshold); this measurement:"
                 " %s\n",
                 FloatText(report.ngLimit).c_str(), report.ng ? "NG" : "pass");
   const int64_t leds = static_cast<int64_t>(report.screen.cols) * report.screen.rows;
-  out << Format("Outliers      not available: the search's outlier mask stays inside the library."
-                "\n              LEDs whose gamut misses a target: %lld of %lld\n",
-                static_cast<long long>(LedsMissingTargets(report.coverage, leds)),
-                static_cast<long long>(leds));
+  out << Format("Outliers      left out of the search's means: red %d, green %d, blue %d\n"
+                "              LEDs whose gamut misses a target: %lld of %lld\n",
+                report.outliers[0], report.outliers[1], report.outliers[2],
+                static_cast<long long>(report.ledsMissingTargets), static_cast<long long>(leds));
   out << "\nTimings\n";
   double total = 0.0;
   for (const TimedStep& step : report.timings) {
@@ -182,13 +176,13 @@ ReportJson CalibrationReportJson(const CalibrationReport& report) {
   json["searchStart"] = TargetBlockJson(report.searchStart);
   json["searchEnd"] = TargetBlockJson(report.searchEnd);
   json["targets"] = TargetBlockJson(report.targets);
-  json["gains"] = NamedFloats(report.gains.data(), kPrimaryNames, 3);
   json["coverage"] = CoverageJson(report.coverage);
   json["ngLimit"] = report.ngLimit;
   json["ng"] = report.ng;
-  const int64_t leds = static_cast<int64_t>(report.screen.cols) * report.screen.rows;
-  json["outliers"] = {{"available", false},
-                      {"ledsMissingTargets", LedsMissingTargets(report.coverage, leds)}};
+  json["outliers"] = {{"red", report.outliers[0]},
+                      {"green", report.outliers[1]},
+                      {"blue", report.outliers[2]},
+                      {"ledsMissingTargets", report.ledsMissingTargets}};
   ReportJson timings = ReportJson::object();
   for (const TimedStep& step : report.timings) {
     timings[step.name] = static_cast<float>(step.seconds);

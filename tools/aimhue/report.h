@@ -38,6 +38,9 @@ std::string FloatText(float value);
 
 using TargetBlock = std::array<TargetLxy, 4>;  // red, green, blue, white
 
+// Whether all twelve values of the block are finite.
+bool TargetsFinite(const TargetBlock& block);
+
 // Dead LEDs (X, Y and Z all 0) per primary, red, green, blue.
 struct DeadLedSummary {
   std::array<int64_t, 3> found{};     // before any repair
@@ -74,10 +77,12 @@ struct CalibrationReport {
   TargetBlock searchStart{};     // the primaries' mean chromaticities (search start)
   TargetBlock searchEnd{};       // the search's final points
   TargetBlock targets{};         // after fractions and white point
-  std::array<float, 3> gains{};  // new L / rescaled L, red, green, blue
   Coverage coverage{};
   float ngLimit = 0.0f;
   bool ng = false;               // the NG verdict of this same measurement
+  // LEDs the search's outlier mask left out per primary (-1: none ran).
+  std::array<int32_t, 3> outliers{-1, -1, -1};
+  int64_t ledsMissingTargets = 0;  // LEDs whose own gamut misses a target
   std::vector<TimedStep> timings;
   std::vector<std::string> outputs;  // files written
 };
@@ -96,10 +101,6 @@ struct CoverageReport {
   float ngLimit = 0.0f;
   bool ng = false;
 };
-
-// Number of LEDs whose own gamut misses at least one target: the share
-// 1 - coverage.all of `leds`, rounded to the nearest count.
-int64_t LedsMissingTargets(const Coverage& coverage, int64_t leds);
 
 void PrintCalibrationReport(std::ostream& out, const CalibrationReport& report);
 ReportJson CalibrationReportJson(const CalibrationReport& report);

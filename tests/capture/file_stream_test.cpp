@@ -1,0 +1,181 @@
+#include "capture/file_stream.h"
+
+#include <aimhue/bio.h>
+#include <aimhue/led_meter.h>
+#include <aimhue/shot.h>
+#include <aimhue/status.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "capture/matrix_block.h"
+#include "support/log_capture.h"
+#include "support/temp_dir.h"
+
+namespace aimhue {
+namespace {
+
+using ::aimhue::testing::LogCapture;
+using ::aimhue::testing::ReadFileBytes;
+using ::aimhue::testing::TempDir;
+
+// A meter whose planes are larger than the reader's window and staging runs,
+// so that loading takes the direct, windowed and interleaving paths.
+LedMeter LargeMeter() {
+  LedMeter meter;
+  meter.color = 2;
+  meter.type = CIE_Y;
+  meter.state.create(211, 307, CV_8UC1);
+  meter.pos.create(211, 307, CV_32FC2);
+  meter.chroma.create(211, 307, CV_32FC1);
+  cv::randu(meter.state, 0, 4);
+  cv::randu(meter.pos, -1e4, 1e4);
+  cv::randu(meter.chroma, 0.0, 1e3);
+  meter.SetPartition(Partition{0, 0, 307, 211, 307, 211});
+  meter.SetCapture(Capture{1, 2, 3, 4, 5});
+  return meter;
+}
+
+std::string Content(const LedMeter& meter) {
+  uint64_t size = 0;
+  EXPECT_EQ(meter.GetBufferSize(&size), kOk);
+  std::string bytes(size, '\0');
+  EXPECT_EQ(meter.ToBuffer(bytes.data(), &size), kOk);
+  return bytes;
+}
+
+std::string Content(const Shot& shot) {
+  size_t size = 0;
+  EXPECT_EQ(shot.GetBufferSize(&size), kOk);
+  std::string bytes(size, '\0');
+  EXPECT_EQ(shot.ToBuffer(bytes.data(), &size), kOk);
+  return bytes;
+}
+
+std::string BlockBytes(const cv::Mat& mat) {
+  std::string bytes;
+  ByteWriter out(bytes);
+  WriteMatrixBlock(mat, out);
+  return bytes;
+}
+
+// Files are written and read as streams; their bytes and what they load
+// must be those of the caller's-buffer paths.
+TEST(FileStream, FilesHoldAndLoadWhatBuffersHoldAndLoad) {
+  TempDir dir;
+  const LedMeter meter = LargeMeter();
+  const std::string content = Content(meter);
+  ASSERT_EQ(meter.Save(dir.Path("large.meter")), kOk);
+  EXPECT_EQ(ReadFileBytes(dir.Path("large.meter")), content);
+  LedMeter fromFile;
+  LedMeter fromBuffer;
+  ASSERT_EQ(fromFile.Load(dir.Path("large.meter")), kOk);
+  ASSERT_EQ(fromBuffer.FromBuffer(content.data(), content.size()), kOk);
+  EXPECT_EQ(Content(fromFile), content);
+  EXPECT_EQ(Content(fromBuffer), content);
+
+  for (const int type : {CV_16UC3, CV_32FC3, CV_8UC1}) {
+    Shot shot;
+    shot.image.create(190, 230, type);
+    cv::randu(shot.image, 0, 70000);
+    shot.SetColor(4);
+    ASSERT_EQ(shot.Save(dir.Path("large.shot")), kOk);
+    EXPECT_EQ(ReadFileBytes(dir.Path("large.shot")), Content(shot)) << type;
+    Shot loaded;
+    ASSERT_EQ(loaded.Load(dir.Path("large.shot")), kOk);
+    EXPECT_EQ(Content(loaded), Content(shot)) << type;
+  }
+
+  for (const int type : {CV_64FC2, CV_8UC4, CV_16SC3, CV_32FC1}) {
+    cv::Mat mat(170, 260, type);
+    cv::randu(mat, -100, 100);
+    ASSERT_TRUE(BIO::SaveMatToBin(dir.Path("m.bin"), mat));
+    EXPECT_EQ(ReadFileBytes(dir.Path("m.bin")), "L" + BlockBytes(mat)) << type;
+    cv::Mat loaded;
+    ASSERT_TRUE(BIO::LoadBinToMat(dir.Path("m.bin"), loaded));
+    EXPECT_EQ(BlockBytes(loaded), BlockBytes(mat)) << type;
+  }
+}
+
+// A file cut or grown after it was opened: the reader sees the bytes up to
+// the cut, or up to the size at opening, and stops there.
+TEST(FileStream, FileChangingSizeAfterOpeningReadsAsCutData) {
+  TempDir dir;
+  cv::Mat mat(300, 200, CV_32FC2);
+  cv::randu(mat, 0.0, 1.0);
+  const std::string block = BlockBytes(mat);
+  const std::string name = dir.Write("m.block", block);
+  for (const size_t cut : {size_t{0}, size_t{10}, size_t{16}, size_t{5000}, block.size() / 2,
+                           block.size() - 1}) {
+    dir.Write("m.block", block);
+    FileSource file;
+    ASSERT_TRUE(file.Open(name));
+    std::filesystem::resize_file(name, cut);
+    ByteReader in(file, file.Size());
+    cv::Mat loaded = cv::Mat::ones(1, 1, CV_8UC1);
+    EXPECT_FALSE(ReadMatrixBlock(in, loaded)) << cut;
+    EXPECT_EQ(loaded.total(), 1u) << cut;
+    EXPECT_EQ(in.Remaining(), 0u) << cut;
+  }
+  dir.Write("m.block", block);
+  FileSource file;
+  ASSERT_TRUE(file.Open(name));
+  std::ofstream(name, std::ios::app | std::ios::binary) << "more bytes";
+  ByteReader in(file, file.Size());
+  cv::Mat loaded;
+  ASSERT_TRUE(ReadMatrixBlock(in, loaded));
+  EXPECT_EQ(BlockBytes(loaded), block);
+  uint8_t extra = 0;
+  EXPECT_FALSE(in.ReadU8(extra));
+}
+
+// A meter file rewritten, cut and grown by another thread while it is
+// loaded again and again: every load either gives the whole meter or is
+// refused as damaged data with the meter unchanged; nothing crashes or
+// reads past the data (the sanitizer builds check that).
+TEST(FileStream, MeterFileChangingWhileLoadedIsWholeOrRefused) {
+  TempDir dir;
+  const LedMeter meter = LargeMeter();
+  const std::string content = Content(meter);
+  const std::string name = dir.Write("moving.meter", content);
+  std::atomic<bool> done{false};
+  std::thread writer([&] {
+    for (size_t round = 0; !done; ++round) {
+      const size_t cut = round * 7919 % (content.size() + 1);
+      std::ofstream file(name, std::ios::binary | std::ios::trunc);
+      file.write(content.data(), static_cast<std::streamsize>(cut));
+      file.flush();
+      if (round % 3 == 0) file.write(content.data() + cut, content.size() - cut) << "tail";
+    }
+  });
+  LogCapture log;
+  int whole = 0;
+  for (int attempt = 0; attempt < 200; ++attempt) {
+    LedMeter loaded;
+    loaded.color = 77;
+    const int status = loaded.Load(name);
+    if (status == kOk) {
+      EXPECT_EQ(Content(loaded), content);
+      ++whole;
+    } else {
+      EXPECT_TRUE(status == kBadVersion || status == kBadByteOrderMark) << status;
+      EXPECT_EQ(loaded.color, 77u);
+      EXPECT_TRUE(loaded.chroma.empty());
+    }
+  }
+  done = true;
+  writer.join();
+  for (const std::string& line : log.Errors()) {
+    EXPECT_TRUE(line == "LedMeter::Load -- Error data in file." ||
+                line == "LedMeter::Load -- Error version in file." ||
+                line == "LedMeter::Load -- Error file endianness.")
+        << line;
+  }
+  RecordProperty("whole_loads", whole);
+}
+
+}  // namespace
+}  // namespace aimhue
