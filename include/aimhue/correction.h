@@ -188,9 +188,13 @@ struct AIMHUE_EXPORT Correction {
 // A target outside every LED's gamut is no error: every LED is then flagged
 // clipped for it and the counts say so.
 //
-// Memory: the result's planes (about twice the nine input planes) and one
-// double per LED of working space. One pass over the planes does the
-// per-LED work; the quantile and medians are selections, not sorts.
+// Memory: the result's planes (73 bytes per LED, about 2.0 times the nine
+// 32-bit input planes) and one double per LED of working space (the row
+// sums, then the values each median selects from), so about 2.25 times the
+// input planes in all; nothing else grows with the screen. Each LED is
+// solved once; its coefficients wait in its own result slots until the
+// common scale is known. The quantile and medians are selections, not
+// sorts.
 AIMHUE_EXPORT int CalcCorrection(const TargetLxy targets[4], const LedMeter* const red[3],
                                  const LedMeter* const green[3], const LedMeter* const blue[3],
                                  const CorrectionSettings& settings, Correction* out);

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <limits>
 
+#include "engine/colorimetry_literal.h"
+
 namespace aimhue {
 namespace {
 
@@ -73,18 +75,58 @@ double HueDegrees(double b, double a) {
   return h;
 }
 
+// The rotation angle d-theta in degrees at the mean hue `hueMean` (degrees).
+double RotationDegrees(double hueMean) {
+  const double hueOffset = (hueMean - 275.0) / 25.0;
+  return 30.0 * std::exp(-hueOffset * hueOffset);
+}
+
+// Equations (15) to (22): the weighting functions and the rotation term
+// applied to dL', dC' and dH', given the mean lightness and chroma, the
+// cosine and sine of the mean hue and the rotation angle in degrees.
+double Weighted(double deltaL, double deltaC, double deltaHBig, double lightnessMean,
+                double chromaMeanP, double cos1, double sin1, double deltaTheta) {
+  // T's four cosines from one sine and cosine of the mean hue, by the
+  // multiple-angle and angle-sum identities.
+  const double cos2 = 2.0 * cos1 * cos1 - 1.0;
+  const double sin2 = 2.0 * sin1 * cos1;
+  const double cos3 = cos1 * cos2 - sin1 * sin2;
+  const double sin3 = sin1 * cos2 + cos1 * sin2;
+  const double cos4 = 2.0 * cos2 * cos2 - 1.0;
+  const double sin4 = 2.0 * sin2 * cos2;
+  const double t = 1.0 - 0.17 * (cos1 * kCos30 + sin1 * kSin30) + 0.24 * cos2 +
+                   0.32 * (cos3 * kCos6 - sin3 * kSin6) - 0.20 * (cos4 * kCos63 + sin4 * kSin63);
+  const double chromaMeanP7 = Pow7(chromaMeanP);
+  const double rc = 2.0 * std::sqrt(chromaMeanP7 / (chromaMeanP7 + kChromaPivot7));
+  const double lightnessOffset2 = (lightnessMean - 50.0) * (lightnessMean - 50.0);
+  const double sl = 1.0 + 0.015 * lightnessOffset2 / std::sqrt(20.0 + lightnessOffset2);
+  const double sc = 1.0 + 0.045 * chromaMeanP;
+  const double sh = 1.0 + 0.015 * chromaMeanP * t;
+  const double rt = deltaTheta == 0.0 ? 0.0 : -std::sin(2.0 * deltaTheta * kDegree) * rc;
+
+  const double termL = deltaL / sl;
+  const double termC = deltaC / sc;
+  const double termH = deltaHBig / sh;
+  return std::sqrt(termL * termL + termC * termC + termH * termH + rt * termC * termH);
+}
+
+// The scale (1 + G) of a* for the mean chroma of the two colours.
+double AScale(double a1, double b1, double a2, double b2) {
+  const double chromaMean = (std::sqrt(a1 * a1 + b1 * b1) + std::sqrt(a2 * a2 + b2 * b2)) / 2.0;
+  const double chromaMean7 = Pow7(chromaMean);
+  return 1.0 + 0.5 * (1.0 - std::sqrt(chromaMean7 / (chromaMean7 + kChromaPivot7)));
+}
+
 }  // namespace
 
 // Sharma, Wu and Dalal (2005), equations (2) to (22).
-double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
+double CieDe2000Literal(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
   const double L1 = lab1[0], a1 = lab1[1], b1 = lab1[2];
   const double L2 = lab2[0], a2 = lab2[1], b2 = lab2[2];
 
-  const double chromaMean = (std::sqrt(a1 * a1 + b1 * b1) + std::sqrt(a2 * a2 + b2 * b2)) / 2.0;
-  const double chromaMean7 = Pow7(chromaMean);
-  const double g = 0.5 * (1.0 - std::sqrt(chromaMean7 / (chromaMean7 + kChromaPivot7)));
-  const double a1p = (1.0 + g) * a1;
-  const double a2p = (1.0 + g) * a2;
+  const double aScale = AScale(a1, b1, a2, b2);
+  const double a1p = aScale * a1;
+  const double a2p = aScale * a2;
   const double c1p = std::sqrt(a1p * a1p + b1 * b1);
   const double c2p = std::sqrt(a2p * a2p + b2 * b2);
   const double h1p = HueDegrees(b1, a1p);
@@ -104,8 +146,6 @@ double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
   }
   const double deltaHBig = 2.0 * std::sqrt(c1p * c2p) * std::sin(deltaH * kDegree / 2.0);
 
-  const double lightnessMean = (L1 + L2) / 2.0;
-  const double chromaMeanP = (c1p + c2p) / 2.0;
   double hueMean = h1p + h2p;
   if (!neutral) {
     // The paper's branch order: an exact 180 degree gap takes the plain mean.
@@ -117,33 +157,72 @@ double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
       hueMean = (h1p + h2p - 360.0) / 2.0;
     }
   }
+  return Weighted(deltaL, deltaC, deltaHBig, (L1 + L2) / 2.0, (c1p + c2p) / 2.0,
+                  std::cos(hueMean * kDegree), std::sin(hueMean * kDegree),
+                  RotationDegrees(hueMean));
+}
 
-  // T's four cosines from one sine and cosine of the mean hue, by the
-  // multiple-angle and angle-sum identities.
-  const double cos1 = std::cos(hueMean * kDegree);
-  const double sin1 = std::sin(hueMean * kDegree);
-  const double cos2 = 2.0 * cos1 * cos1 - 1.0;
-  const double sin2 = 2.0 * sin1 * cos1;
-  const double cos3 = cos1 * cos2 - sin1 * sin2;
-  const double sin3 = sin1 * cos2 + cos1 * sin2;
-  const double cos4 = 2.0 * cos2 * cos2 - 1.0;
-  const double sin4 = 2.0 * sin2 * cos2;
-  const double t = 1.0 - 0.17 * (cos1 * kCos30 + sin1 * kSin30) + 0.24 * cos2 +
-                   0.32 * (cos3 * kCos6 - sin3 * kSin6) - 0.20 * (cos4 * kCos63 + sin4 * kSin63);
-  const double hueOffset = (hueMean - 275.0) / 25.0;
-  const double deltaTheta = 30.0 * std::exp(-hueOffset * hueOffset);
-  const double chromaMeanP7 = Pow7(chromaMeanP);
-  const double rc = 2.0 * std::sqrt(chromaMeanP7 / (chromaMeanP7 + kChromaPivot7));
-  const double lightnessOffset2 = (lightnessMean - 50.0) * (lightnessMean - 50.0);
-  const double sl = 1.0 + 0.015 * lightnessOffset2 / std::sqrt(20.0 + lightnessOffset2);
-  const double sc = 1.0 + 0.045 * chromaMeanP;
-  const double sh = 1.0 + 0.015 * chromaMeanP * t;
-  const double rt = -std::sin(2.0 * deltaTheta * kDegree) * rc;
+// The same quantities with at most one trigonometric call instead of five.
+// With P = C1' C2', D = a1' a2' + b1 b2 = P cos(dh') and X = a1' b2 - b1 a2'
+// = P sin(dh'), dH' = 2 sqrt(P) sin(dh' / 2) equals X sqrt(2 / (P + D))
+// where the hues are at most 90 degrees apart (no cancellation for small
+// differences) and sign(X) sqrt(2 (P - D)) beyond. The mean hue bisects the
+// shorter arc between the hues: T takes its cosine and sine from a vector
+// along that bisector, and one atan2 gives the degrees that the rotation
+// term's exponential needs. A mean hue in the first quadrant is at least 185
+// degrees from the rotation's centre at 275, where the rotation term is below
+// 1e-23 of the sum it is added to and cannot change its rounding, so it is 0
+// there without any call. With one neutral colour dH' is 0 and the mean hue
+// is the other's. Two neutral colours and exactly opposite hues go to the
+// literal version, whose conventions decide them. The two versions agree to
+// rounding (about 1e-12 of the difference).
+double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
+  const double L1 = lab1[0], a1 = lab1[1], b1 = lab1[2];
+  const double L2 = lab2[0], a2 = lab2[1], b2 = lab2[2];
 
-  const double termL = deltaL / sl;
-  const double termC = deltaC / sc;
-  const double termH = deltaHBig / sh;
-  return std::sqrt(termL * termL + termC * termC + termH * termH + rt * termC * termH);
+  const double aScale = AScale(a1, b1, a2, b2);
+  const double a1p = aScale * a1;
+  const double a2p = aScale * a2;
+  const double c1p = std::sqrt(a1p * a1p + b1 * b1);
+  const double c2p = std::sqrt(a2p * a2p + b2 * b2);
+  const double chromaProduct = c1p * c2p;
+  const double dot = a1p * a2p + b1 * b2;
+  const double cross = a1p * b2 - b1 * a2p;
+
+  double deltaHBig = 0.0;
+  double bisectorA;
+  double bisectorB;
+  if (chromaProduct == 0.0) {
+    // A chroma that is 0 with a* or b* not (underflow) has a hue of its own.
+    const bool bothNeutral = c1p == 0.0 && c2p == 0.0;
+    const bool exactZero = c1p == 0.0 ? a1p == 0.0 && b1 == 0.0 : a2p == 0.0 && b2 == 0.0;
+    if (bothNeutral || !exactZero) return CieDe2000Literal(lab1, lab2);
+    bisectorA = c1p == 0.0 ? a2p : a1p;
+    bisectorB = c1p == 0.0 ? b2 : b1;
+  } else {
+    if (cross == 0.0 && dot < 0.0) return CieDe2000Literal(lab1, lab2);
+    deltaHBig = dot >= 0.0 ? cross * std::sqrt(2.0 / (chromaProduct + dot))
+                           : std::copysign(std::sqrt(2.0 * (chromaProduct - dot)), cross);
+    // The sum of the unit hue vectors, or, for hues more than 90 degrees
+    // apart where that sum cancels, their difference turned by a quarter
+    // turn towards it.
+    const double inverse1 = 1.0 / c1p;
+    const double inverse2 = 1.0 / c2p;
+    const double unit1A = a1p * inverse1, unit1B = b1 * inverse1;
+    const double unit2A = a2p * inverse2, unit2B = b2 * inverse2;
+    const double turn = std::copysign(1.0, cross);
+    bisectorA = dot >= 0.0 ? unit1A + unit2A : turn * (unit2B - unit1B);
+    bisectorB = dot >= 0.0 ? unit1B + unit2B : turn * (unit1A - unit2A);
+  }
+  const double inverseNorm = 1.0 / std::sqrt(bisectorA * bisectorA + bisectorB * bisectorB);
+  double deltaTheta = 0.0;
+  if (!(bisectorA >= 0.0 && bisectorB >= 0.0)) {
+    double hueMean = std::atan2(bisectorB, bisectorA) * kRadian;
+    if (hueMean < 0.0) hueMean += 360.0;
+    deltaTheta = RotationDegrees(hueMean);
+  }
+  return Weighted(L2 - L1, c2p - c1p, deltaHBig, (L1 + L2) / 2.0, (c1p + c2p) / 2.0,
+                  bisectorA * inverseNorm, bisectorB * inverseNorm, deltaTheta);
 }
 
 // CIE 15:2004, CIELAB with epsilon 216/24389 and kappa 24389/27.

@@ -1,11 +1,10 @@
 // Per-LED correction of a screen: checks, then two passes over the planes.
 //
-// The first pass runs the skip tests and the solve of every LED and keeps
-// only each LED's largest row sum; the quantile and the "before" medians are
-// selections over a compact vector of the LEDs not skipped. The second pass
-// solves every LED again (the same arithmetic, so the same values), scales,
-// dims, rounds, and predicts. Solving twice costs less than keeping nine
-// doubles per LED between the passes.
+// The first pass runs the skip tests and the solve of every LED, keeps each
+// LED's clipped coefficients in its own result slots and its largest row sum
+// in a compact vector; the quantile and the "before" medians are selections
+// over that vector. The second pass reads the coefficients back, scales,
+// dims, rounds, and predicts.
 #include <aimhue/correction.h>
 
 #include <aimhue/colorimetry.h>
@@ -15,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -198,23 +198,63 @@ Matrix3 Product(const Matrix3& a, const Matrix3& b) {
   return p;
 }
 
-// Steps 1 to 3: the flags of every LED and the largest row sums of the LEDs
-// not skipped, in row-major order.
-void SolvePass(const MeterGrid& grid, const Matrix3& t, CorrectionMode mode, cv::Mat& flags,
+// The result planes of one row.
+struct RowOutputs {
+  uint8_t* flags;
+  float* coeff;
+  float* gain;
+  float* before;
+  float* after;
+
+  RowOutputs(Correction& result, int row)
+      : flags(result.flags.ptr<uint8_t>(row)),
+        coeff(result.coeff.ptr<float>(row)),
+        gain(result.gain.ptr<float>(row)),
+        before(result.deltaEBefore.ptr<float>(row)),
+        after(result.deltaEAfter.ptr<float>(row)) {}
+
+  // Between the passes an LED's unscaled coefficients wait in its own result
+  // slots: its coefficients (36 bytes), both differences (16 + 16) and its
+  // gain (4) are 72 bytes, exactly nine doubles. So they are kept exactly,
+  // without a working copy of the screen; the second pass takes them back
+  // before it writes that LED's results.
+  void Stash(int col, const Matrix3& c) {
+    const char* bytes = reinterpret_cast<const char*>(c.data());
+    std::memcpy(coeff + kCoeffChannels * col, bytes, 36);
+    std::memcpy(before + kDeltaEChannels * col, bytes + 36, 16);
+    std::memcpy(after + kDeltaEChannels * col, bytes + 52, 16);
+    std::memcpy(gain + col, bytes + 68, 4);
+  }
+
+  void Unstash(int col, Matrix3& c) const {
+    char* bytes = reinterpret_cast<char*>(c.data());
+    std::memcpy(bytes, coeff + kCoeffChannels * col, 36);
+    std::memcpy(bytes + 36, before + kDeltaEChannels * col, 16);
+    std::memcpy(bytes + 52, after + kDeltaEChannels * col, 16);
+    std::memcpy(bytes + 68, gain + col, 4);
+  }
+};
+static_assert(sizeof(Matrix3) == 4 * (kCoeffChannels + 2 * kDeltaEChannels + 1),
+              "an LED's result slots hold its nine coefficients in double");
+
+// Steps 1 to 3: the flags of every LED, its clipped coefficients (stashed),
+// and the largest row sums of the LEDs not skipped, in row-major order.
+void SolvePass(const MeterGrid& grid, const Matrix3& t, CorrectionMode mode, Correction& result,
                std::vector<double>& rowSums) {
   Matrix3 c;
-  for (int row = 0; row < flags.rows; ++row) {
+  for (int row = 0; row < result.flags.rows; ++row) {
     const RowInputs in(grid, row);
-    uint8_t* flagRow = flags.ptr<uint8_t>(row);
-    for (int col = 0; col < flags.cols; ++col) {
+    RowOutputs out(result, row);
+    for (int col = 0; col < result.flags.cols; ++col) {
       const Matrix3 m = in.Measured(col);
       uint8_t flag = in.StateDead(col) ? uint8_t{kCorrectionDead} : SkipFlag(m);
       if (flag == 0) {
         double rowSumMax = 0.0;
         flag = SolveLed(m, t, mode, c, rowSumMax);
         rowSums.push_back(rowSumMax);
+        out.Stash(col, c);
       }
-      flagRow[col] = flag;
+      out.flags[col] = flag;
     }
   }
 }
@@ -253,33 +293,29 @@ void ApplyPass(const MeterGrid& grid, const PassSettings& pass, const LabReferen
   std::array<int32_t, 9> levels;
   for (int row = 0; row < result.flags.rows; ++row) {
     const RowInputs in(grid, row);
-    uint8_t* flagRow = result.flags.ptr<uint8_t>(row);
-    float* coeffRow = result.coeff.ptr<float>(row);
-    float* gainRow = result.gain.ptr<float>(row);
-    float* beforeRow = result.deltaEBefore.ptr<float>(row);
-    float* afterRow = result.deltaEAfter.ptr<float>(row);
+    RowOutputs out(result, row);
     for (int col = 0; col < result.flags.cols; ++col) {
-      float* coeff = coeffRow + kCoeffChannels * col;
-      float* deltaBefore = beforeRow + kDeltaEChannels * col;
-      float* deltaAfter = afterRow + kDeltaEChannels * col;
-      uint8_t flag = flagRow[col];
+      float* coeff = out.coeff + kCoeffChannels * col;
+      float* deltaBefore = out.before + kDeltaEChannels * col;
+      float* deltaAfter = out.after + kDeltaEChannels * col;
+      uint8_t flag = out.flags[col];
       if ((flag & kCorrectionSkipped) != 0) {
         std::fill(coeff, coeff + kCoeffChannels, 0.0f);
-        gainRow[col] = 0.0f;
+        out.gain[col] = 0.0f;
         std::fill(deltaBefore, deltaBefore + kDeltaEChannels, kNaN);
         std::fill(deltaAfter, deltaAfter + kDeltaEChannels, kNaN);
         continue;
       }
       const Matrix3 m = in.Measured(col);
-      double rowSumMax = 0.0;
-      SolveLed(m, pass.t, pass.mode, c, rowSumMax);
+      out.Unstash(col, c);
+      const double rowSumMax = LargestRowSum(c);
       const bool dimmed = rowSumMax > pass.scale.dimAbove;
       const double scaledRowSum = pass.scale.k * rowSumMax;
       for (double& value : c) {
         value *= pass.scale.k;
         if (dimmed) value /= scaledRowSum;
       }
-      gainRow[col] = dimmed ? static_cast<float>(1.0 / scaledRowSum) : 1.0f;
+      out.gain[col] = dimmed ? static_cast<float>(1.0 / scaledRowSum) : 1.0f;
       if (dimmed) flag |= kCorrectionDimmed;
       if (pass.fullScale == 0) {
         for (int i = 0; i < 9; ++i) coeff[i] = static_cast<float>(c[i]);
@@ -288,7 +324,7 @@ void ApplyPass(const MeterGrid& grid, const PassSettings& pass, const LabReferen
         for (int i = 0; i < 9; ++i) coeff[i] = static_cast<float>(levels[i] / full);
       }
       for (int i = 0; i < 9; ++i) stored[i] = static_cast<double>(coeff[i]);
-      flagRow[col] = flag;
+      out.flags[col] = flag;
       before.Differences(m, deltaBefore);
       after.Differences(Product(m, stored), deltaAfter);
     }
@@ -301,6 +337,10 @@ int Compute(const TargetLxy targets[4], const MeterGrid& grid, const CorrectionS
   Correction result;
   result.settings = settings;
   result.flags.create(size, CV_8UC1);
+  result.coeff.create(size, CV_32FC(kCoeffChannels));
+  result.gain.create(size, CV_32FC1);
+  result.deltaEBefore.create(size, CV_32FC(kDeltaEChannels));
+  result.deltaEAfter.create(size, CV_32FC(kDeltaEChannels));
 
   PassSettings pass;
   pass.t = TargetMatrix(targets);
@@ -309,7 +349,7 @@ int Compute(const TargetLxy targets[4], const MeterGrid& grid, const CorrectionS
 
   std::vector<double> scratch;
   scratch.reserve(static_cast<size_t>(size.area()));
-  SolvePass(grid, pass.t, settings.mode, result.flags, scratch);
+  SolvePass(grid, pass.t, settings.mode, result, scratch);
   if (scratch.empty())
     return Refuse(kEmptyInput, "no LED left to correct: all dead, not finite or singular");
   pass.scale = QuantileScale(scratch, settings.quantile);
@@ -323,10 +363,6 @@ int Compute(const TargetLxy targets[4], const MeterGrid& grid, const CorrectionS
   for (int j = 0; j < 3; ++j) scaledTargets[j] = Column(pass.t, j) * pass.scale.k;
   const LabReference after(scaledTargets, scaledTargets[0] + scaledTargets[1] + scaledTargets[2]);
 
-  result.coeff.create(size, CV_32FC(kCoeffChannels));
-  result.gain.create(size, CV_32FC1);
-  result.deltaEBefore.create(size, CV_32FC(kDeltaEChannels));
-  result.deltaEAfter.create(size, CV_32FC(kDeltaEChannels));
   ApplyPass(grid, pass, before, after, result);
 
   result.scale = static_cast<float>(pass.scale.k);

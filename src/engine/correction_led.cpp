@@ -88,8 +88,12 @@ uint8_t SolveLed(const Matrix3& m, const Matrix3& t, CorrectionMode mode, Matrix
       }
     }
   }
-  rowSumMax = std::max({c[0] + c[1] + c[2], c[3] + c[4] + c[5], c[6] + c[7] + c[8]});
+  rowSumMax = LargestRowSum(c);
   return flags;
+}
+
+double LargestRowSum(const Matrix3& c) {
+  return std::max({c[0] + c[1] + c[2], c[3] + c[4] + c[5], c[6] + c[7] + c[8]});
 }
 
 bool QuantiseRows(const Matrix3& c, int32_t fullScale, std::array<int32_t, 9>& levels) {

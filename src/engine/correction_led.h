@@ -51,6 +51,10 @@ uint8_t SkipFlag(const Matrix3& m);
 uint8_t SolveLed(const Matrix3& m, const Matrix3& t, CorrectionMode mode, Matrix3& c,
                  double& rowSumMax);
 
+// The largest row sum of a coefficient matrix: the load on the emitter
+// driven hardest when all three inputs are at full drive.
+double LargestRowSum(const Matrix3& c);
+
 // Fixed point with full scale `fullScale` (2^b - 1): each entry becomes the
 // nearest integer in [0, fullScale] (ties to even); a row whose integer sum
 // exceeds fullScale has its entries rounded up the most lowered by one

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
+
+#include "engine/colorimetry_literal.h"
 
 namespace aimhue {
 namespace {
@@ -56,14 +59,45 @@ constexpr SharmaPair kSharmaPairs[] = {
 
 TEST(CieDe2000Test, MatchesThePublishedPairsInBothOrders) {
   static_assert(sizeof kSharmaPairs / sizeof kSharmaPairs[0] == 34, "all 34 published pairs");
-  for (const SharmaPair& pair : kSharmaPairs) {
-    const cv::Vec3d lab1(pair.lab1[0], pair.lab1[1], pair.lab1[2]);
-    const cv::Vec3d lab2(pair.lab2[0], pair.lab2[1], pair.lab2[2]);
-    EXPECT_NEAR(CieDe2000(lab1, lab2), pair.deltaE, 1e-4) << lab1 << " " << lab2;
-    EXPECT_NEAR(CieDe2000(lab2, lab1), pair.deltaE, 1e-4) << lab2 << " " << lab1;
+  for (const auto deltaE : {CieDe2000, CieDe2000Literal}) {
+    for (const SharmaPair& pair : kSharmaPairs) {
+      const cv::Vec3d lab1(pair.lab1[0], pair.lab1[1], pair.lab1[2]);
+      const cv::Vec3d lab2(pair.lab2[0], pair.lab2[1], pair.lab2[2]);
+      EXPECT_NEAR(deltaE(lab1, lab2), pair.deltaE, 1e-4) << lab1 << " " << lab2;
+      EXPECT_NEAR(deltaE(lab2, lab1), pair.deltaE, 1e-4) << lab2 << " " << lab1;
+    }
   }
   EXPECT_EQ(CieDe2000({40, 10, -20}, {40, 10, -20}), 0.0);
   EXPECT_TRUE(std::isnan(CieDe2000({NAN, 0, 0}, {50, 0, 0})));
+}
+
+// The fast form against the paper's equations: random colours, colours a
+// small step apart (where dH' would cancel), neutral colours, and hues
+// nearly or exactly opposite (where the mean hue's branch decides).
+TEST(CieDe2000Test, AgreesWithTheLiteralEquations) {
+  std::mt19937_64 random(7);
+  std::uniform_real_distribution<double> lightness(0.0, 100.0);
+  std::uniform_real_distribution<double> axis(-120.0, 120.0);
+  std::uniform_real_distribution<double> step(-1e-3, 1e-3);
+  std::uniform_real_distribution<double> angle(0.0, 6.283185307179586);
+  auto check = [](const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
+    const double literal = CieDe2000Literal(lab1, lab2);
+    ASSERT_NEAR(CieDe2000(lab1, lab2), literal, 1e-9 * (1.0 + literal)) << lab1 << " " << lab2;
+    ASSERT_EQ(CieDe2000(lab1, lab2), CieDe2000(lab2, lab1)) << lab1 << " " << lab2;
+  };
+  for (int i = 0; i < 100000; ++i) {
+    const cv::Vec3d lab1(lightness(random), axis(random), axis(random));
+    check(lab1, {lightness(random), axis(random), axis(random)});
+    check(lab1, lab1 + cv::Vec3d(step(random), step(random), step(random)));
+    check({lightness(random), 0.0, 0.0}, lab1);
+    const double hue = angle(random);
+    const double opposite = hue + 3.141592653589793 + step(random);
+    check({50.0, 30.0 * std::cos(hue), 30.0 * std::sin(hue)},
+          {60.0, 20.0 * std::cos(opposite), 20.0 * std::sin(opposite)});
+  }
+  check({50.0, 0.0, 0.0}, {50.0, 3.0, -4.0});
+  check({50.0, 0.0, 10.0}, {50.0, 0.0, -10.0});
+  check({50.0, 10.0, 0.0}, {50.0, -10.0, 0.0});
 }
 
 TEST(XyzToLabTest, WhiteRedAndTheJoinOfTheTwoSegments) {

@@ -6,8 +6,10 @@
 // counts are derived from the flags and not stored, so a file cannot
 // contradict itself there.
 //
-// Loading parses the whole content into a scratch record first and replaces
-// the record only when every part was read and fits together.
+// Loading parses the content into a scratch record first and replaces the
+// record only when every part was read and fits together. Files are read
+// and written as streams: the planes go straight between the file and the
+// matrices.
 #include <aimhue/correction.h>
 
 #include <aimhue/plume_log.h>
@@ -40,10 +42,7 @@ uint64_t ContentSize(const Correction& record) {
          MatrixBlockSize(record.deltaEAfter) + kEndTagBytes;
 }
 
-std::string Serialize(const Correction& record) {
-  std::string content;
-  content.reserve(static_cast<size_t>(ContentSize(record)));
-  ByteWriter out(content);
+void Write(const Correction& record, ByteWriter& out) {
   WriteHeader(out, kCorrectionVersion);
   out.WriteF32(record.scale);
   for (const TargetLxy& target : record.targets) {
@@ -60,7 +59,6 @@ std::string Serialize(const Correction& record) {
   WriteMatrixBlock(record.deltaEBefore, out);
   WriteMatrixBlock(record.deltaEAfter, out);
   out.WriteU32(kEndTag);
-  return content;
 }
 
 bool SettingsValid(const CorrectionSettings& settings, int32_t mode) {
@@ -112,8 +110,7 @@ bool ReadBody(ByteReader& in, Correction& record) {
   return PlanesFit(record);
 }
 
-int Parse(const char* who, const char* data, size_t size, Correction& record) {
-  ByteReader in(data, size);
+int Parse(const char* who, ByteReader& in, Correction& record) {
   const int status = ReadHeader(who, in, kCorrectionVersion);
   if (status != kOk) return status;
   Correction content;
@@ -129,7 +126,8 @@ int Correction::Save(const std::string& fullname) const {
   constexpr char kWho[] = "Correction::Save";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    return SaveFormatFile(kWho, fullname, kCorrectionExtension, [&] { return Serialize(*this); });
+    return SaveFormatStream(kWho, fullname, kCorrectionExtension,
+                            [&](ByteWriter& out) { Write(*this, out); });
   });
 }
 
@@ -137,9 +135,8 @@ int Correction::Load(const std::string& fullname) {
   constexpr char kWho[] = "Correction::Load";
   PlumeLogInfo(kWho);
   return GuardExceptions(kWho, [&] {
-    return LoadFormatFile(kWho, fullname, kCorrectionExtension, [&](const char* data, size_t size) {
-      return Parse(kWho, data, size, *this);
-    });
+    return LoadFormatStream(kWho, fullname, kCorrectionExtension,
+                            [&](ByteReader& in) { return Parse(kWho, in, *this); });
   });
 }
 
@@ -154,17 +151,25 @@ int Correction::GetBufferSize(uint64_t* size) const {
 int Correction::ToBuffer(char* buffer, uint64_t* size) const {
   constexpr char kWho[] = "Correction::ToBuffer";
   PlumeLogInfo(kWho);
-  const int status = CheckOutputBuffer(buffer, size, ContentSize(*this));
+  const uint64_t needed = ContentSize(*this);
+  const int status = CheckOutputBuffer(buffer, size, needed);
   if (status != kOk) return status;
-  return GuardExceptions(kWho, [&] { return CopyToOutputBuffer(Serialize(*this), buffer, size); });
+  return GuardExceptions(kWho, [&] {
+    ByteWriter out(buffer, static_cast<size_t>(needed));
+    Write(*this, out);
+    *size = needed;
+    return static_cast<int>(kOk);
+  });
 }
 
 int Correction::FromBuffer(const char* buffer, uint64_t size) {
   constexpr char kWho[] = "Correction::FromBuffer";
   PlumeLogInfo(kWho);
   if (buffer == nullptr) return kNullInput;
-  return GuardExceptions(kWho,
-                         [&] { return Parse(kWho, buffer, static_cast<size_t>(size), *this); });
+  return GuardExceptions(kWho, [&] {
+    ByteReader in(buffer, static_cast<size_t>(size));
+    return Parse(kWho, in, *this);
+  });
 }
 
 }  // namespace aimhue
