@@ -294,6 +294,8 @@ void PrintInspection(std::ostream& out, const ReportJson& inspection) {
     PrintResults(out, inspection);
   } else if (kind == "meter") {
     PrintMeter(out, inspection);
+  } else if (kind == "corr" || kind == "corr-led") {
+    PrintCorrectionInspection(out, inspection);
   } else {
     PrintShot(out, inspection);
   }
