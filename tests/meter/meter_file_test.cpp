@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "capture/byte_stream.h"
-#include "support/buffer_rules.h"
 #include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
@@ -123,41 +122,17 @@ TEST(MeterFile, RecordsInAnyOrderUnknownTagsAndKeptRecords) {
   EXPECT_EQ(meter.chroma.at<float>(0, 0), 1.0f);
 }
 
-// Every refused content leaves the loading meter exactly as it was, from a
-// buffer and from a file alike.
-void ExpectRefused(const std::string& content, int status, const std::string& problem) {
-  TempDir dir;
+// Refused contents (and a chroma plane of 8-bit samples, which is not a
+// meter's chroma) leave the meter exactly as it was; the shared rules.
+TEST(MeterFile, RefusedContentsNamesAndBuffers) {
   LedMeter meter = FullMeter();
+  testing::ExpectDamagedContentRules(meter, Content(meter), "LedMeter", ".meter", Content);
+  const std::string byteChroma = "L" + Words({1, 1, CIE_X, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, CV_8UC1, 1}) +
+                                 "\x01" + Words({0xFFFFFFFFu});
   const std::string before = Content(meter);
-  LogCapture log;
-  EXPECT_EQ(meter.FromBuffer(content.data(), content.size()), status);
-  EXPECT_EQ(meter.Load(dir.Write("bad.meter", content)), status);
-  EXPECT_EQ(log.Errors(),
-            (Lines{"LedMeter::FromBuffer -- " + problem, "LedMeter::Load -- " + problem}));
+  EXPECT_EQ(meter.FromBuffer(byteChroma.data(), byteChroma.size()), kBadVersion);
   EXPECT_EQ(Content(meter), before);
-}
-
-TEST(MeterFile, RefusedContentsLeaveTheMeterUnchanged) {
-  const std::string content = Content(FullMeter());
-  ExpectRefused("B" + content.substr(1), kBadByteOrderMark, "Error file endianness.");
-  ExpectRefused("", kBadByteOrderMark, "Error file endianness.");
-  ExpectRefused("L" + Words({2}) + content.substr(5), kBadVersion, "Error version in file.");
-  for (size_t length = 5; length < content.size(); ++length) {
-    SCOPED_TRACE(length);
-    ExpectRefused(content.substr(0, length), kBadVersion, "Error data in file.");
-  }
-  // A chroma plane of 8-bit samples is not a meter's chroma.
-  ExpectRefused("L" + Words({1, 1, CIE_X, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, CV_8UC1, 1}) + "\x01" +
-                    Words({0xFFFFFFFFu}),
-                kBadVersion, "Error data in file.");
-}
-
-TEST(MeterFile, NamesAndOpenFailures) {
-  LedMeter loaded;
-  testing::ExpectFileNameAndOpenRules(LayerOnlyMeter(), loaded, "LedMeter", ".meter");
-}
-
-TEST(MeterFile, CallerBufferRules) {
+  testing::ExpectFileNameAndOpenRules(LayerOnlyMeter(), meter, "LedMeter", ".meter");
   testing::ExpectCallerBufferRules(LayerOnlyMeter(), 105);
   std::string buffer(200, '#');
   uint64_t size = 0;

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "engine/aimhue.h"
-#include "support/buffer_rules.h"
 #include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
@@ -71,42 +70,16 @@ TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
   EXPECT_TRUE(SameRecord(fromBuffer, expected));
 }
 
-TEST(EngineFile, CallerBufferRules) { testing::ExpectCallerBufferRules(Searched(), 169); }
-
-TEST(EngineFile, RefusedImagesLeaveTheRecordUnchanged) {
-  TempDir dir;
-  const std::string image = Image(Aimhue());
-  const struct {
-    std::string bytes;
-    int status;
-    std::string problem;
-  } cases[] = {
-      {"B" + image.substr(1), kBadByteOrderMark, "Error file endianness."},
-      {"L\x02" + image.substr(2), kBadVersion, "Error version in file."},
-      {"L", kBadVersion, "Error version in file."},
-      {image.substr(0, 5), kBadVersion, "Error data in file."},
-      {image.substr(0, 168), kBadVersion, "Error data in file."},
-  };
-  for (const auto& c : cases) {
-    Aimhue engine = Searched();
-    const Aimhue before = engine;
-    LogCapture log;
-    EXPECT_EQ(engine.FromBuffer(c.bytes.data(), static_cast<int64_t>(c.bytes.size())), c.status);
-    EXPECT_EQ(engine.Load(dir.Write("bad.aimhue", c.bytes)), c.status);
-    EXPECT_EQ(log.Errors(),
-              (Lines{"Aimhue::FromBuffer -- " + c.problem, "Aimhue::Load -- " + c.problem}));
-    EXPECT_TRUE(SameRecord(engine, before));
-  }
-  Aimhue engine;
+TEST(EngineFile, RefusedImagesNamesAndBuffers) {
+  Aimhue engine = Searched();
+  const auto record = [](const Aimhue& e) { return std::string(reinterpret_cast<const char*>(&e), sizeof e); };
+  testing::ExpectDamagedContentRules(engine, Image(Aimhue()), "Aimhue", ".aimhue", record);
+  testing::ExpectFileNameAndOpenRules(Aimhue(), engine, "Aimhue", ".aimhue");
+  testing::ExpectCallerBufferRules(Searched(), 169);
   LogCapture log;
   EXPECT_EQ(engine.FromBuffer(nullptr, 169), kNullInput);
-  EXPECT_EQ(engine.FromBuffer(image.data(), -1), kOutOfRange);
+  EXPECT_EQ(engine.FromBuffer(Image(Aimhue()).data(), -1), kOutOfRange);
   EXPECT_EQ(log.Errors(), Lines{"Aimhue::FromBuffer--Error :: negative buffer size."});
-}
-
-TEST(EngineFile, NamesAndOpenFailures) {
-  Aimhue loaded;
-  testing::ExpectFileNameAndOpenRules(Aimhue(), loaded, "Aimhue", ".aimhue");
 }
 
 }  // namespace

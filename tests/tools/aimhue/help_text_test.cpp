@@ -25,11 +25,6 @@ TEST(WrapText, BreaksAtBlanksAndKeepsParagraphs) {
   }
 }
 
-TEST(FirstLine, IsTheSummaryBeforeTheFirstLineEnd) {
-  EXPECT_EQ(FirstLine("Summary.\n\nDetails."), "Summary.");
-  EXPECT_EQ(FirstLine("Only line"), "Only line");
-}
-
 }  // namespace
 }  // namespace tool
 }  // namespace aimhue

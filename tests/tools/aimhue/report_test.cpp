@@ -2,22 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <limits>
 #include <sstream>
 
 namespace aimhue {
 namespace tool {
 namespace {
-
-TEST(FloatText, WritesTheShortestFormAndNamesNonFiniteValues) {
-  EXPECT_EQ(FloatText(0.1f + 0.2f), "0.3");
-  EXPECT_EQ(FloatText(std::nextafter(0.8f, 1.0f)), "0.8000001");
-  EXPECT_EQ(FloatText(std::numeric_limits<float>::quiet_NaN()), "nan");
-  EXPECT_EQ(FloatText(-std::numeric_limits<float>::infinity()), "-inf");
-}
 
 CalibrationReport SampleReport() {
   CalibrationReport report;
@@ -38,19 +27,6 @@ CalibrationReport SampleReport() {
   report.ngLimit = 0.42f;
   report.timings = {{"search", 0.012}};
   return report;
-}
-
-TEST(CalibrationReport, JsonHoldsTheReportedNumbers) {
-  const ReportJson json = ReportJson::parse(CalibrationReportJson(SampleReport()).dump());
-  EXPECT_EQ(json["targets"]["red"]["x"].get<float>(), 0.64f);
-  EXPECT_EQ(json["targets"]["white"]["L"].get<float>(), 35.5f);
-  EXPECT_EQ(json["coverage"]["all"].get<float>(), 0.5f);
-  EXPECT_EQ(json["ngLimit"].get<float>(), 0.42f);
-  EXPECT_EQ(json["outliers"]["red"].get<int32_t>(), 3);
-  EXPECT_EQ(json["deadLeds"]["found"]["red"].get<int64_t>(), 2);
-  EXPECT_EQ(json["outliers"]["ledsMissingTargets"].get<int64_t>(), 6);
-  EXPECT_EQ(json["screen"]["leds"].get<int64_t>(), 12);
-  EXPECT_FALSE(json["ng"].get<bool>());
 }
 
 TEST(CalibrationReport, TerminalReportShowsExactValuesAndPercentages) {
