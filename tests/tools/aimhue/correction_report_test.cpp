@@ -8,7 +8,6 @@
 #include <cmath>
 #include <sstream>
 
-#include "command_error.h"
 #include "correction_inspection.h"
 #include "panel_table.h"
 #include "support/temp_dir.h"
@@ -81,33 +80,6 @@ TEST_F(CorrectedScreen, WhiteLuminanceAfterIsTheScaledTargetWhite) {
   EXPECT_LE(summary.after[3].p50, summary.after[3].p95);
 }
 
-TEST_F(CorrectedScreen, WorstLedsComeLargestFirstAndSkipTheSkipped) {
-  const std::vector<WorstLed> worst = WorstLeds(correction_, 5);
-  ASSERT_EQ(worst.size(), 5u);
-  for (std::size_t i = 1; i < worst.size(); ++i) {
-    EXPECT_GE(worst[i - 1].after[3], worst[i].after[3]);
-  }
-  std::vector<float> values = DifferenceChannel(correction_.deltaEAfter, 3);
-  EXPECT_EQ(worst[0].after[3], FinitePercentiles(values).max);
-  EXPECT_EQ(WorstLeds(correction_, 5000).size(),
-            static_cast<std::size_t>(correction_.counts.corrected));
-  EXPECT_TRUE(WorstLeds(correction_, 0).empty());
-}
-
-TEST_F(CorrectedScreen, ReportAndJsonCarryTheCounts) {
-  CorrectionReport report = MakeCorrectionReport(correction_, meters_);
-  report.worst = WorstLeds(correction_, 2);
-  std::ostringstream text;
-  PrintCorrectionReport(text, report);
-  EXPECT_NE(text.str().find("1199 corrected, 1 skipped (dead 1,"), std::string::npos) << text.str();
-  EXPECT_NE(text.str().find("Worst LEDs"), std::string::npos);
-  const ReportJson json = CorrectionReportJson(report);
-  EXPECT_EQ(json["counts"]["dead"].get<int64_t>(), 1);
-  EXPECT_EQ(json["scale"].get<float>(), correction_.scale);
-  EXPECT_EQ(json["worst"].size(), 2u);
-  EXPECT_EQ(json["settings"]["mode"], "chroma");
-}
-
 TEST_F(CorrectedScreen, InspectionShowsOneLedOfASavedFile) {
   testing::TempDir folder;
   const std::string file = folder.Path("screen.corr");
@@ -121,21 +93,6 @@ TEST_F(CorrectedScreen, InspectionShowsOneLedOfASavedFile) {
   }
   EXPECT_EQ(led["gain"].get<float>(), correction_.gain.at<float>(7, 9));
   EXPECT_EQ(InspectCorrection(file, LedPosition{3, 4})["flags"], "dead");
-  const ReportJson whole = InspectCorrection(file, std::nullopt);
-  EXPECT_EQ(whole["counts"]["corrected"].get<int64_t>(), correction_.counts.corrected);
-  try {
-    InspectCorrection(file, LedPosition{30, 0});
-    ADD_FAILURE() << "an LED below the last row was accepted";
-  } catch (const CommandError& error) {
-    EXPECT_EQ(error.exit_status(), kExitUsage);
-  }
-  const std::string cut = folder.Write("cut.corr", testing::ReadFileBytes(file).substr(0, 200));
-  try {
-    InspectCorrection(cut, std::nullopt);
-    ADD_FAILURE() << "a truncated file was accepted";
-  } catch (const CommandError& error) {
-    EXPECT_EQ(error.exit_status(), kExitLibrary);
-  }
 }
 
 TEST(ParseLedPosition, TakesRowCommaColumnFromZero) {
