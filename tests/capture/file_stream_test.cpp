@@ -9,6 +9,8 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <limits>
 #include <thread>
 
 #include "capture/matrix_block.h"
@@ -23,7 +25,8 @@ using ::aimhue::testing::ReadFileBytes;
 using ::aimhue::testing::TempDir;
 
 // A meter whose planes are larger than the reader's window and staging runs,
-// so that loading takes the direct, windowed and interleaving paths.
+// so that loading takes the direct, windowed and interleaving paths, with
+// every record and chroma values that must survive bit for bit.
 LedMeter LargeMeter() {
   LedMeter meter;
   meter.color = 2;
@@ -34,7 +37,12 @@ LedMeter LargeMeter() {
   cv::randu(meter.state, 0, 4);
   cv::randu(meter.pos, -1e4, 1e4);
   cv::randu(meter.chroma, 0.0, 1e3);
+  const float specials[] = {std::numeric_limits<float>::quiet_NaN(), -0.0f,
+                            std::numeric_limits<float>::denorm_min()};
+  std::copy(std::begin(specials), std::end(specials), meter.chroma.ptr<float>(210) + 300);
   meter.SetPartition(Partition{0, 0, 307, 211, 307, 211});
+  meter.SetLedPanel(LedPanel{1, 2, 3, 16, 8, 2.5f});
+  meter.SetLayer(Layer{-1, 0.75f, 64});
   meter.SetCapture(Capture{1, 2, 3, 4, 5});
   return meter;
 }

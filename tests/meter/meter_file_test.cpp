@@ -81,24 +81,6 @@ TEST(MeterFile, LayerOnlyMeterIs105BytesInFilesAndBuffers) {
   EXPECT_EQ(ReadFileBytes(dir.Path("a.meter")), expected);
 }
 
-TEST(MeterFile, FileAndBufferRoundTripsAreBitIdentical) {
-  const LedMeter meter = FullMeter();
-  const std::string content = Content(meter);
-  uint64_t size = 0;
-  ASSERT_EQ(meter.GetBufferSize(&size), kOk);
-  EXPECT_EQ(size, content.size());
-  LedMeter fromBuffer;
-  ASSERT_EQ(fromBuffer.FromBuffer(content.data(), content.size()), kOk);
-  EXPECT_EQ(Content(fromBuffer), content);
-  EXPECT_TRUE(std::isnan(fromBuffer.chroma.at<float>(0, 0)));
-
-  TempDir dir;
-  ASSERT_EQ(meter.Save(dir.Path("full.meter")), kOk);
-  LedMeter fromFile;
-  ASSERT_EQ(fromFile.Load(dir.Path("full.meter")), kOk);
-  EXPECT_EQ(Content(fromFile), content);
-}
-
 TEST(MeterFile, RecordsInAnyOrderUnknownTagsAndKeptRecords) {
   // Capture before Layer, an unknown tag between them, no Partition.
   const std::string content =

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstring>
 
-#include "support/temp_dir.h"
 #include "synthetic/synthetic_chroma.h"
 
 namespace aimhue::synthetic {
@@ -67,27 +66,6 @@ TEST(SyntheticScreen, SpreadAroundThePrimariesWithDeadLedsAndOutliers) {
   EXPECT_EQ(dead, 4);
   EXPECT_GE(far, 5);  // two outliers may share an LED
   EXPECT_LE(far, 6);
-}
-
-TEST(SyntheticScreen, MeterFilesLoadBackAsTheNineMeters) {
-  const testing::TempDir folder;
-  ScreenOptions options = Options(3, 20, 9);
-  options.rows = 6;
-  options.cols = 8;
-  const ScreenMeters meters = GenerateMeters(options);
-  ASSERT_EQ(WriteMeterFiles(meters, folder.Path("")), 0);
-  EXPECT_EQ(MeterFilePath(folder.Path(""), 2, 1), folder.Path("blue_Y.meter"));
-  for (int primary = 0; primary < 3; ++primary) {
-    for (int axis = 0; axis < 3; ++axis) {
-      LedMeter loaded;
-      ASSERT_EQ(loaded.Load(MeterFilePath(folder.Path(""), primary, axis)), 0);
-      EXPECT_EQ(loaded.color, meters[primary][axis].color);
-      EXPECT_EQ(loaded.type, meters[primary][axis].type);
-      EXPECT_TRUE(Identical(loaded.chroma, meters[primary][axis].chroma));
-    }
-  }
-  // Into a directory that does not exist: the first save cannot open its file.
-  EXPECT_EQ(WriteMeterFiles(meters, folder.Path("missing")), 4);
 }
 
 }  // namespace
