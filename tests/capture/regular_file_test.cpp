@@ -109,18 +109,5 @@ TEST(RegularFile, EveryReaderRefusesFifosDevicesAndDirectoriesAtOnce) {
   }
 }
 
-TEST(RegularFile, ReadsNoMoreThanTheSizeItHadWhenOpened) {
-  TempDir dir;
-  const std::string name = dir.Write("growing", "12345");
-  RegularFile file;
-  ASSERT_TRUE(file.Open(name));
-  std::ofstream(name, std::ios::app) << "6789";
-  char bytes[16] = {};
-  EXPECT_EQ(file.size(), 5u);
-  EXPECT_EQ(file.ReadUpTo(bytes, sizeof bytes), 5);
-  EXPECT_EQ(std::string(bytes), "12345");
-  EXPECT_EQ(file.ReadUpTo(bytes, sizeof bytes), 0);
-}
-
 }  // namespace
 }  // namespace aimhue

@@ -3,18 +3,14 @@
 #include <cmath>
 #include <cstring>
 
+#include "support/chroma_sets.h"
 #include "synthetic/synthetic_chroma.h"
 
 namespace aimhue::synthetic {
 namespace {
 
 ScreenOptions Options(int dead, int outliers, uint64_t seed) {
-  ScreenOptions options;
-  options.rows = 90;
-  options.cols = 160;
-  options.moduleRows = 15;
-  options.moduleCols = 20;
-  options.seed = seed;
+  ScreenOptions options = testing::SmallScreen(90, 160, seed, 15, 20);
   options.deadCount = dead;
   options.outlierCount = outliers;
   return options;

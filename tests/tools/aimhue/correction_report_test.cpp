@@ -10,6 +10,7 @@
 
 #include "correction_inspection.h"
 #include "panel_table.h"
+#include "support/chroma_sets.h"
 #include "support/temp_dir.h"
 
 namespace aimhue {
@@ -20,14 +21,7 @@ namespace {
 class CorrectedScreen : public ::testing::Test {
  protected:
   void SetUp() override {
-    synthetic::ScreenOptions options;
-    options.cols = 40;
-    options.rows = 30;
-    options.moduleCols = 20;
-    options.moduleRows = 15;
-    options.seed = 11;
-    options.deadCount = 0;
-    meters_ = synthetic::GenerateMeters(options);
+    meters_ = synthetic::GenerateMeters(::aimhue::testing::SmallScreen(30, 40, 11, 15, 20));
     for (auto& primary : meters_) {
       for (LedMeter& meter : primary) meter.state = cv::Mat::zeros(30, 40, CV_8UC1);
     }
