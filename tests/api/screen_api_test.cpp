@@ -97,6 +97,7 @@ TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
   EXPECT_EQ(std::memcmp(&ngCoverage, counted, sizeof counted), 0);
   EXPECT_GT(ngCoverage.all, 0.0f);
   EXPECT_LT(ngCoverage.all, 1.0f);
+  EXPECT_EQ(Results(viaMeters_).ngLimit, ngCoverage.all - 0.25f);
 
   // The judgement of the same screen, with and without the coverage output.
   bool ngMeters = true;
