@@ -11,12 +11,9 @@
 #include "support/log_capture.h"
 #include "support/test_meters.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::MakeMeter;
-using Lines = std::vector<std::string>;
 
 // A 2 x 3 screen whose every LED has the same X, Y, Z per primary.
 class ComputeApi : public ::testing::Test {
@@ -132,4 +129,4 @@ TEST_F(ComputeApi, CalcWhiteDiscardsTheEnginesRangeStatus) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

@@ -12,11 +12,9 @@
 #include "support/log_capture.h"
 #include "synthetic/synthetic_screen.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::SameBits;
 using Lines = std::vector<std::string>;
 
 // A synthetic screen with outliers, as meters and as a screen object.
@@ -24,7 +22,7 @@ class ScreenApi : public ::testing::Test {
  protected:
   void SetUp() override {
     // No dead LED: its NaN would make the search's means NaN.
-    meters_ = synthetic::GenerateMeters(testing::SmallScreen(48, 64, 7, 16, 16));
+    meters_ = synthetic::GenerateMeters(SmallScreen(48, 64, 7, 16, 16));
     for (int primary = 0; primary < kPrimaryCount; ++primary) {
       for (int axis = 0; axis < 3; ++axis) triples_[primary][axis] = &meters_[primary][axis];
     }
@@ -207,7 +205,7 @@ TEST_F(ScreenApi, RefusalsLeaveTheScreenAndOutputsUnchanged) {
   EXPECT_TRUE(SameBits(Results(viaScreen_), Results(viaMeters_)));
 
   // A red primary of another size does not join the screen.
-  const synthetic::ScreenMeters other = synthetic::GenerateMeters(testing::SmallScreen(8, 8, 1, 8, 8));
+  const synthetic::ScreenMeters other = synthetic::GenerateMeters(SmallScreen(8, 8, 1, 8, 8));
   const LedMeter* smallRed[3] = {&other[0][0], &other[0][1], &other[0][2]};
   log.Clear();
   EXPECT_EQ(AimhueScreenSetPrimary(screen_, kRed, smallRed), kOutOfRange);
@@ -232,4 +230,4 @@ TEST_F(ScreenApi, RefusalsLeaveTheScreenAndOutputsUnchanged) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

@@ -5,12 +5,9 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ReadFileBytes;
-using ::aimhue::testing::TempDir;
 using Lines = std::vector<std::string>;
 
 TEST(BinaryMatrixFile, OtherMarkDamagedDataAndZeroRowsStillGiveTrue) {
@@ -74,4 +71,4 @@ TEST(Bio, RefusalsGiveFalseAndLeaveTheOutputUnchanged) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

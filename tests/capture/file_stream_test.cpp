@@ -17,12 +17,9 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ReadFileBytes;
-using ::aimhue::testing::TempDir;
 
 // A meter whose planes are larger than the reader's window and staging runs,
 // so that loading takes the direct, windowed and interleaving paths, with
@@ -186,4 +183,4 @@ TEST(FileStream, MeterFileChangingWhileLoadedIsWholeOrRefused) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

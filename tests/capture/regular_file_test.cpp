@@ -18,11 +18,9 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::TempDir;
 
 // Runs `check` in a child process that is killed after two seconds, so that a
 // reader that blocks on a FIFO or reads a device without end fails the test
@@ -110,4 +108,4 @@ TEST(RegularFile, EveryReaderRefusesFifosDevicesAndDirectoriesAtOnce) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

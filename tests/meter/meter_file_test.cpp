@@ -10,12 +10,9 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ReadFileBytes;
-using ::aimhue::testing::TempDir;
 using Lines = std::vector<std::string>;
 
 // The content a meter writes (ToBuffer with room to spare).
@@ -108,14 +105,14 @@ TEST(MeterFile, RecordsInAnyOrderUnknownTagsAndKeptRecords) {
 // meter's chroma) leave the meter exactly as it was; the shared rules.
 TEST(MeterFile, RefusedContentsNamesAndBuffers) {
   LedMeter meter = FullMeter();
-  testing::ExpectDamagedContentRules(meter, Content(meter), "LedMeter", ".meter", Content);
+  ExpectDamagedContentRules(meter, Content(meter), "LedMeter", ".meter", Content);
   const std::string byteChroma = "L" + Words({1, 1, CIE_X, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, CV_8UC1, 1}) +
                                  "\x01" + Words({0xFFFFFFFFu});
   const std::string before = Content(meter);
   EXPECT_EQ(meter.FromBuffer(byteChroma.data(), byteChroma.size()), kBadVersion);
   EXPECT_EQ(Content(meter), before);
-  testing::ExpectFileNameAndOpenRules(LayerOnlyMeter(), meter, "LedMeter", ".meter");
-  testing::ExpectCallerBufferRules(LayerOnlyMeter(), 105);
+  ExpectFileNameAndOpenRules(LayerOnlyMeter(), meter, "LedMeter", ".meter");
+  ExpectCallerBufferRules(LayerOnlyMeter(), 105);
   std::string buffer(200, '#');
   uint64_t size = 0;
   LedMeter empty;
@@ -128,4 +125,4 @@ TEST(MeterFile, RefusedContentsNamesAndBuffers) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

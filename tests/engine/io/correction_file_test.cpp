@@ -9,12 +9,9 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ReadFileBytes;
-using ::aimhue::testing::TempDir;
 using Lines = std::vector<std::string>;
 
 // A 2 x 3 record with distinct values in every plane and field.
@@ -52,7 +49,7 @@ TEST(CorrectionFile, FileAndBufferRoundTripsRestoreEveryFieldAndRecount) {
   // Header 69 bytes, five matrix blocks, end tag.
   EXPECT_EQ(content.size(), 69u + 16 * 5 + 6 * (36 + 1 + 4 + 16 + 16) + 4);
   EXPECT_EQ(content.substr(0, 5), std::string("L\x01\0\0\0", 5));
-  ::aimhue::testing::ExpectCallerBufferRules(saved, content.size());
+  ExpectCallerBufferRules(saved, content.size());
 
   TempDir dir;
   ASSERT_EQ(saved.Save(dir.Path("screen.corr")), kOk);
@@ -121,9 +118,9 @@ TEST(CorrectionFile, DamagedContentIsRefusedAndLeavesTheRecord) {
   EXPECT_EQ(record.FromBuffer(hostile.data(), hostile.size()), kBadVersion);
   EXPECT_EQ(record.FromBuffer(nullptr, 4), kNullInput);
   EXPECT_EQ(Content(record), before);
-  ::aimhue::testing::ExpectDamagedContentRules(record, good, "Correction", ".corr", Content);
-  ::aimhue::testing::ExpectFileNameAndOpenRules(Sample(), record, "Correction", ".corr");
+  ExpectDamagedContentRules(record, good, "Correction", ".corr", Content);
+  ExpectFileNameAndOpenRules(Sample(), record, "Correction", ".corr");
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

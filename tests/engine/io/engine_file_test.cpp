@@ -8,12 +8,9 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ReadFileBytes;
-using ::aimhue::testing::TempDir;
 using Lines = std::vector<std::string>;
 
 std::string Image(const Aimhue& engine) {
@@ -73,9 +70,9 @@ TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
 TEST(EngineFile, RefusedImagesNamesAndBuffers) {
   Aimhue engine = Searched();
   const auto record = [](const Aimhue& e) { return std::string(reinterpret_cast<const char*>(&e), sizeof e); };
-  testing::ExpectDamagedContentRules(engine, Image(Aimhue()), "Aimhue", ".aimhue", record);
-  testing::ExpectFileNameAndOpenRules(Aimhue(), engine, "Aimhue", ".aimhue");
-  testing::ExpectCallerBufferRules(Searched(), 169);
+  ExpectDamagedContentRules(engine, Image(Aimhue()), "Aimhue", ".aimhue", record);
+  ExpectFileNameAndOpenRules(Aimhue(), engine, "Aimhue", ".aimhue");
+  ExpectCallerBufferRules(Searched(), 169);
   LogCapture log;
   EXPECT_EQ(engine.FromBuffer(nullptr, 169), kNullInput);
   EXPECT_EQ(engine.FromBuffer(Image(Aimhue()).data(), -1), kOutOfRange);
@@ -83,4 +80,4 @@ TEST(EngineFile, RefusedImagesNamesAndBuffers) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing
