@@ -53,10 +53,6 @@ TEST(ParseWhitePoint, TakesANamedWhiteOrAChromaticityInsideTheTriangleOfValidPoi
 }
 
 TEST(ParseWhitePoint, TakesAColourTemperatureOnTheDaylightLocusOnly) {
-  const auto near_d65 = ParseWhitePoint("6504.38938305K");
-  ASSERT_TRUE(near_d65);
-  EXPECT_NEAR(near_d65->x, 0.3127077, 1e-6);
-  EXPECT_NEAR(near_d65->y, 0.3291128, 1e-6);
   const auto at_6500 = ParseWhitePoint(" 6500k ");
   ASSERT_TRUE(at_6500);
   EXPECT_EQ(at_6500->name, "6500k");
