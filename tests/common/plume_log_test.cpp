@@ -13,17 +13,6 @@ namespace {
 
 using ::aimhue::testing::LogCapture;
 
-TEST(PlumeLog, HostSinkReceivesEachLevelFormattedWithoutPrefixOrLineEnd) {
-  LogCapture log;
-  PlumeLogDebug("    part.xywh              = [%d %d %d %d]", 1, 2, 3, 4);
-  PlumeLogInfo("Aimhue::Search");
-  PlumeLogError("LedMeter::Load -- Failed to Open file. fullname = %s", "a.meter");
-  EXPECT_EQ(log.Debugs(), std::vector<std::string>{"    part.xywh              = [1 2 3 4]"});
-  EXPECT_EQ(log.Infos(), std::vector<std::string>{"Aimhue::Search"});
-  EXPECT_EQ(log.Errors(),
-            std::vector<std::string>{"LedMeter::Load -- Failed to Open file. fullname = a.meter"});
-}
-
 TEST(PlumeLog, LongMessagesAndFileNamesArriveWhole) {
   LogCapture log;
   const std::string name(100000, 'n');
