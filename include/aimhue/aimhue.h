@@ -9,6 +9,7 @@
 #include <aimhue/bio.h>
 #include <aimhue/colorimetry.h>
 #include <aimhue/correction.h>
+#include <aimhue/dead_leds.h>
 #include <aimhue/export.h>
 #include <aimhue/led_meter.h>
 #include <aimhue/led_set.h>
