@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "capture/matrix_block.h"
+#include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
@@ -42,22 +43,6 @@ LedMeter LargeMeter() {
   meter.SetLayer(Layer{-1, 0.75f, 64});
   meter.SetCapture(Capture{1, 2, 3, 4, 5});
   return meter;
-}
-
-std::string Content(const LedMeter& meter) {
-  uint64_t size = 0;
-  EXPECT_EQ(meter.GetBufferSize(&size), kOk);
-  std::string bytes(size, '\0');
-  EXPECT_EQ(meter.ToBuffer(bytes.data(), &size), kOk);
-  return bytes;
-}
-
-std::string Content(const Shot& shot) {
-  size_t size = 0;
-  EXPECT_EQ(shot.GetBufferSize(&size), kOk);
-  std::string bytes(size, '\0');
-  EXPECT_EQ(shot.ToBuffer(bytes.data(), &size), kOk);
-  return bytes;
 }
 
 std::string BlockBytes(const cv::Mat& mat) {

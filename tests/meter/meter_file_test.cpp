@@ -15,22 +15,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// The content a meter writes (ToBuffer with room to spare).
-std::string Content(const LedMeter& meter) {
-  std::string buffer(1 << 16, '\0');
-  uint64_t size = buffer.size();
-  EXPECT_EQ(meter.ToBuffer(buffer.data(), &size), kOk);
-  buffer.resize(size);
-  return buffer;
-}
-
-std::string Words(std::initializer_list<uint32_t> words) {
-  std::string bytes;
-  ByteWriter out(bytes);
-  for (uint32_t word : words) out.WriteU32(word);
-  return bytes;
-}
-
 // 2 x 3 float chroma, empty state and pos, only a Layer record.
 LedMeter LayerOnlyMeter() {
   LedMeter meter;
@@ -105,7 +89,7 @@ TEST(MeterFile, RecordsInAnyOrderUnknownTagsAndKeptRecords) {
 // meter's chroma) leave the meter exactly as it was; the shared rules.
 TEST(MeterFile, RefusedContentsNamesAndBuffers) {
   LedMeter meter = FullMeter();
-  ExpectDamagedContentRules(meter, Content(meter), "LedMeter", ".meter", Content);
+  ExpectDamagedContentRules(meter, Content(meter), "LedMeter", ".meter", Content<LedMeter>);
   const std::string byteChroma = "L" + Words({1, 1, CIE_X, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, CV_8UC1, 1}) +
                                  "\x01" + Words({0xFFFFFFFFu});
   const std::string before = Content(meter);

@@ -11,6 +11,7 @@
 #include <cctype>
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,27 @@
 #include "support/temp_dir.h"
 
 namespace aimhue::testing {
+
+// 32-bit words, low byte first, as the formats store them.
+inline std::string Words(std::initializer_list<uint32_t> words) {
+  std::string bytes;
+  for (uint32_t word : words) {
+    for (int i = 0; i < 4; ++i) bytes.push_back(static_cast<char>(word >> (8 * i) & 0xff));
+  }
+  return bytes;
+}
+
+// The content a record writes: as many bytes as GetBufferSize names, or at
+// most 4096 for a record that cannot name its size (an empty shot or meter).
+template <typename Record>
+std::string Content(const Record& record) {
+  uint64_t size = 0;
+  std::string bytes(record.GetBufferSize(&size) == kOk ? size : 4096, '\0');
+  size = bytes.size();
+  EXPECT_EQ(record.ToBuffer(bytes.data(), &size), kOk);
+  bytes.resize(size);
+  return bytes;
+}
 
 // A name in another case, with a further ending, or the extension alone is
 // refused with 8 before any file is touched; saving into a missing folder

@@ -35,14 +35,6 @@ Correction Sample() {
   return record;
 }
 
-std::string Content(const Correction& record) {
-  uint64_t size = 0;
-  EXPECT_EQ(record.GetBufferSize(&size), kOk);
-  std::string bytes(size, '\0');
-  EXPECT_EQ(record.ToBuffer(bytes.data(), &size), kOk);
-  return bytes;
-}
-
 TEST(CorrectionFile, FileAndBufferRoundTripsRestoreEveryFieldAndRecount) {
   const Correction saved = Sample();
   const std::string content = Content(saved);
@@ -118,7 +110,7 @@ TEST(CorrectionFile, DamagedContentIsRefusedAndLeavesTheRecord) {
   EXPECT_EQ(record.FromBuffer(hostile.data(), hostile.size()), kBadVersion);
   EXPECT_EQ(record.FromBuffer(nullptr, 4), kNullInput);
   EXPECT_EQ(Content(record), before);
-  ExpectDamagedContentRules(record, good, "Correction", ".corr", Content);
+  ExpectDamagedContentRules(record, good, "Correction", ".corr", Content<Correction>);
   ExpectFileNameAndOpenRules(Sample(), record, "Correction", ".corr");
 }
 

@@ -13,13 +13,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-std::string Image(const Aimhue& engine) {
-  std::string buffer(169, '\0');
-  uint64_t size = buffer.size();
-  EXPECT_EQ(engine.ToBuffer(buffer.data(), &size), kOk);
-  return buffer;
-}
-
 bool SameRecord(const Aimhue& a, const Aimhue& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 // Distinct values in every stored field and non-default settings.
@@ -40,7 +33,7 @@ TEST(EngineFile, FreshImageStartsWithMarkVersionFractionsAndLimit) {
   const unsigned char start[] = {0x4C, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x80, 0x3F,
                                  0x00, 0x00, 0x80, 0x3F, 0x00, 0x00, 0x80, 0x3F, 0x00,
                                  0x00, 0x80, 0x3F, 0xCD, 0xCC, 0x4C, 0x3F};
-  const std::string image = Image(Aimhue());
+  const std::string image = Content(Aimhue());
   EXPECT_EQ(image.substr(0, 25), std::string(reinterpret_cast<const char*>(start), 25));
   EXPECT_EQ(image.substr(25), std::string(144, '\0'));  // zeroed blocks
   uint64_t size = 0;
@@ -52,7 +45,7 @@ TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
   TempDir dir;
   const Aimhue saved = Searched();
   ASSERT_EQ(saved.Save(dir.Path("run.aimhue")), kOk);
-  EXPECT_EQ(ReadFileBytes(dir.Path("run.aimhue")), Image(saved));
+  EXPECT_EQ(ReadFileBytes(dir.Path("run.aimhue")), Content(saved));
 
   Aimhue expected = saved;  // the results of `saved`, the settings of a fresh record
   const Aimhue fresh;
@@ -62,7 +55,7 @@ TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
   ASSERT_EQ(fromFile.Load(dir.Path("run.aimhue")), kOk);
   EXPECT_TRUE(SameRecord(fromFile, expected));
   Aimhue fromBuffer;
-  const std::string image = Image(saved) + "trailing bytes are ignored";
+  const std::string image = Content(saved) + "trailing bytes are ignored";
   ASSERT_EQ(fromBuffer.FromBuffer(image.data(), static_cast<int64_t>(image.size())), kOk);
   EXPECT_TRUE(SameRecord(fromBuffer, expected));
 }
@@ -70,12 +63,12 @@ TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
 TEST(EngineFile, RefusedImagesNamesAndBuffers) {
   Aimhue engine = Searched();
   const auto record = [](const Aimhue& e) { return std::string(reinterpret_cast<const char*>(&e), sizeof e); };
-  ExpectDamagedContentRules(engine, Image(Aimhue()), "Aimhue", ".aimhue", record);
+  ExpectDamagedContentRules(engine, Content(Aimhue()), "Aimhue", ".aimhue", record);
   ExpectFileNameAndOpenRules(Aimhue(), engine, "Aimhue", ".aimhue");
   ExpectCallerBufferRules(Searched(), 169);
   LogCapture log;
   EXPECT_EQ(engine.FromBuffer(nullptr, 169), kNullInput);
-  EXPECT_EQ(engine.FromBuffer(Image(Aimhue()).data(), -1), kOutOfRange);
+  EXPECT_EQ(engine.FromBuffer(Content(Aimhue()).data(), -1), kOutOfRange);
   EXPECT_EQ(log.Errors(), Lines{"Aimhue::FromBuffer--Error :: negative buffer size."});
 }
 
