@@ -174,15 +174,10 @@ TEST_F(HandleApi, PercentCalcChromaInterpolatesAndHidesRangeFailures) {
   const float half[4] = {0.5f, 0.5f, 0.5f, 1.0f};
   EXPECT_EQ(AimhueSetPercentCalcChroma(handle_, half), kOk);
   EXPECT_EQ(log.Infos(), std::vector<std::string>{"Aimhue::SetPercentCalcChroma"});
-  const auto targets = Targets();
-  EXPECT_EQ(targets[0], 12.5f);
-  EXPECT_EQ(targets[1], (0.70f - 0.60f) * 0.5f + 0.60f);
-  EXPECT_EQ(targets[2], (0.29f - 0.30f) * 0.5f + 0.30f);
-  EXPECT_EQ((std::array<float, 3>{targets[3], targets[4], targets[5]}),
-            (std::array<float, 3>{20.0f, 0.25f, 0.70f}));
-  EXPECT_EQ(targets[6], 3.0f);
-  EXPECT_EQ(targets[8], 0.06f);
-  EXPECT_EQ(targets[9], 0.0f);  // white untouched
+  // Start + (end - start) x fraction in 32-bit, the start's L, white untouched.
+  EXPECT_EQ(Targets(), (std::array<float, 12>{12.5f, (0.70f - 0.60f) * 0.5f + 0.60f,
+                                              (0.29f - 0.30f) * 0.5f + 0.30f, 20.0f, 0.25f, 0.70f,
+                                              3.0f, (0.14f - 0.15f) * 0.5f + 0.15f, 0.06f, 0, 0, 0}));
 
   const auto before = Targets();
   const float badFourth[4] = {1, 1, 1, 1.5f};

@@ -31,38 +31,5 @@ TEST(SyntheticScreen, TheSeedDecidesEveryValue) {
   }
 }
 
-// Every LED spreads around its primary except the dead ones (NaN, zero
-// luminance, zero X, Y, Z, so NaN again once combined) and the outliers.
-TEST(SyntheticScreen, SpreadAroundThePrimariesWithDeadLedsAndOutliers) {
-  const ScreenOptions options = Options(4, 6, 9);
-  const ScreenPlanes planes = GeneratePlanes(options);
-  ScreenChroma sets;
-  ASSERT_EQ(CombineMeters(MetersFromPlanes(options, planes), sets), 0);
-  int dead = 0, far = 0;
-  for (int p = 0; p < 3; ++p) {
-    ASSERT_EQ(planes[p].x.size(), cv::Size(160, 90));
-    ASSERT_EQ(planes[p].x.type(), CV_32FC1);
-    double sum = 0.0;
-    int counted = 0;
-    for (int i = 0; i < 90 * 160; ++i) {
-      const float x = planes[p].x.at<float>(i), y = planes[p].y.at<float>(i),
-                  L = planes[p].luminance.at<float>(i);
-      if (std::isnan(x)) {
-        EXPECT_TRUE(std::isnan(y) && std::isnan(sets[p].x.at<float>(i)) && L == 0.0f);
-        dead += p == 0;
-        continue;
-      }
-      EXPECT_GT(L, 0.0f);
-      far += std::hypot(x - options.primaries[p].x, y - options.primaries[p].y) > 0.02f;
-      sum += x;
-      ++counted;
-    }
-    EXPECT_NEAR(sum / counted, options.primaries[p].x, 0.002) << p;
-  }
-  EXPECT_EQ(dead, 4);
-  EXPECT_GE(far, 5);  // two outliers may share an LED
-  EXPECT_LE(far, 6);
-}
-
 }  // namespace
 }  // namespace aimhue::synthetic

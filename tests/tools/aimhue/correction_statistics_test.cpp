@@ -97,13 +97,9 @@ TEST(PanelTable, SplitsTheScreenIntoPanelsWithSmallerLastOnes) {
   EXPECT_EQ(first.whiteAfter.max, 3.0f);
   EXPECT_EQ(first.whiteBefore.p50, 2.0f);
   const PanelRow& corner = rows[5];
-  EXPECT_EQ(corner.panelRow, 1);
-  EXPECT_EQ(corner.panelCol, 2);
-  EXPECT_EQ(corner.row, 2);
-  EXPECT_EQ(corner.col, 4);
-  EXPECT_EQ(corner.rows, 1);
-  EXPECT_EQ(corner.cols, 1);
-  EXPECT_EQ(corner.corrected, 0);
+  EXPECT_EQ((std::vector<int64_t>{corner.panelRow, corner.panelCol, corner.row, corner.col,
+                                  corner.rows, corner.cols, corner.corrected}),
+            (std::vector<int64_t>{1, 2, 2, 4, 1, 1, 0}));
   EXPECT_TRUE(std::isnan(corner.meanGain));
 
   std::ostringstream csv;
