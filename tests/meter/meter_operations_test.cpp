@@ -1,7 +1,6 @@
 #include <aimhue/led_meter.h>
 #include <aimhue/target.h>
 
-#include <algorithm>
 #include <cmath>
 #include <opencv2/imgcodecs.hpp>
 
