@@ -13,6 +13,7 @@
 #include <aimhue/export.h>
 #include <aimhue/led_meter.h>
 #include <aimhue/led_set.h>
+#include <aimhue/picture_files.h>
 #include <aimhue/plume_log.h>
 #include <aimhue/records.h>
 #include <aimhue/screen.h>
