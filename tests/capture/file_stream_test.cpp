@@ -72,6 +72,8 @@ TEST(FileStream, FilesHoldAndLoadWhatBuffersHoldAndLoad) {
     shot.image.create(190, 230, type);
     cv::randu(shot.image, 0, 70000);
     shot.SetColor(4);
+    shot.SetDevice(Device{"camera", 320012, "lens", 7});
+    shot.SetPattern(Pattern{1, 2, 2, 1, 0, -1, -1});
     ASSERT_EQ(shot.Save(dir.Path("large.shot")), kOk);
     EXPECT_EQ(ReadFileBytes(dir.Path("large.shot")), Content(shot)) << type;
     Shot loaded;

@@ -41,7 +41,7 @@ LedMeter FullMeter() {
   return meter;
 }
 
-TEST(MeterFile, LayerOnlyMeterIs105BytesInFilesAndBuffers) {
+TEST(MeterFile, LayerOnlyMeterIs105Bytes) {
   std::string expected = "L" + Words({1, 2, CIE_Y, 0, 0, 0, 0, 0, 0, 0, 0, 2, 3, CV_32FC1, 1});
   ByteWriter out(expected);
   for (float value : {1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f}) out.WriteF32(value);
@@ -57,9 +57,6 @@ TEST(MeterFile, LayerOnlyMeterIs105BytesInFilesAndBuffers) {
   uint64_t size = 0;
   EXPECT_EQ(meter.GetBufferSize(&size), kOk);
   EXPECT_EQ(size, 105u);
-  TempDir dir;
-  ASSERT_EQ(meter.Save(dir.Path("a.meter")), kOk);
-  EXPECT_EQ(ReadFileBytes(dir.Path("a.meter")), expected);
 }
 
 TEST(MeterFile, RecordsInAnyOrderUnknownTagsAndKeptRecords) {
