@@ -14,7 +14,6 @@
 #include <fstream>
 #include <functional>
 
-#include "engine/aimhue.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
@@ -78,10 +77,9 @@ const Reader kReaders[] = {
      }},
     {".shot", "Shot::Load -- Failed to Open file.fullname = ",
      [](const std::string& name) { return Shot().Load(name) == kOpenReadFailed; }},
+    // (the .aimhue and .corr loads share the .meter load's file reader)
     {".meter", "LedMeter::Load" + kOpenFailure,
      [](const std::string& name) { return LedMeter().Load(name) == kOpenReadFailed; }},
-    {".aimhue", "Aimhue::Load" + kOpenFailure,
-     [](const std::string& name) { return Aimhue().Load(name) == kOpenReadFailed; }},
 };
 
 TEST(RegularFile, EveryReaderRefusesFifosDevicesAndDirectoriesAtOnce) {
