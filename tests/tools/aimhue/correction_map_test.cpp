@@ -12,21 +12,6 @@ namespace aimhue {
 namespace tool {
 namespace {
 
-TEST(CorrectionMap, ScreensAreDrawnAtAReadableSize) {
-  EXPECT_EQ(ChooseMapScale(320, 180).magnification, 2);
-  EXPECT_EQ(ChooseMapScale(8, 8).magnification, kMaxMapMagnification);
-  EXPECT_EQ(ChooseMapScale(640, 480).magnification, 1);
-  const MapScale large = ChooseMapScale(3840, 2160);
-  EXPECT_EQ(large.magnification, 1);
-  EXPECT_EQ(large.reduction, 6);
-  EXPECT_EQ(ChooseMapScale(100, 5000).reduction, 11);  // tall screens reduce by height
-  EXPECT_EQ(ColourScaleTop(0.3f), 1.0f);
-  EXPECT_EQ(ColourScaleTop(NAN), 1.0f);
-  EXPECT_EQ(ColourScaleTop(2.1f), 3.0f);
-  EXPECT_EQ(ColourScaleTop(8.0f), 8.0f);
-  EXPECT_EQ(ColourScaleTop(12.0f), 15.0f);
-}
-
 // A screen reduced 2 : 1 where one LED of a block is far off and another
 // block is all skipped: the reduced view keeps the worst LED and marks
 // the skipped block.
