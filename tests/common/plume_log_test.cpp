@@ -13,14 +13,6 @@ namespace {
 
 using ::aimhue::testing::LogCapture;
 
-TEST(PlumeLog, LongMessagesAndFileNamesArriveWhole) {
-  LogCapture log;
-  const std::string name(100000, 'n');
-  PlumeLogError("Aimhue::Load -- Failed to Open file. fullname = %s", name.c_str());
-  ASSERT_EQ(log.Errors().size(), 1u);
-  EXPECT_EQ(log.Errors()[0], "Aimhue::Load -- Failed to Open file. fullname = " + name);
-}
-
 TEST(PlumeLog, NullSinkRestoresStandardErrorWithLevelFilter) {
   {
     LogCapture log;
