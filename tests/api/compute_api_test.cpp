@@ -29,9 +29,8 @@ class ComputeApi : public ::testing::Test {
       }
     }
   }
-  int Coverage(const float* targets, float* out, const AimhueImage* mask, int count = 3) {
-    return AimhueCalcPercentOfTarget(triples_[0], triples_[1], triples_[2], targets, out, mask,
-                                     count);
+  int Coverage(const float* targets, float* out, const AimhueImage* mask) {
+    return AimhueCalcPercentOfTarget(triples_[0], triples_[1], triples_[2], targets, out, mask, 3);
   }
 
   // Every target at a point that each LED's gamut holds, except where noted.
@@ -43,16 +42,6 @@ class ComputeApi : public ::testing::Test {
 
 TEST_F(ComputeApi, CoverageChecksRunInOrderAndLeaveTheOutputUnwritten) {
   float out[4] = {-1, -1, -1, -1};
-  // The count is checked before any pointer, the pointers before the meters.
-  EXPECT_EQ(AimhueCalcPercentOfTarget(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 2),
-            kOutOfRange);
-  EXPECT_EQ(Coverage(inside_.data(), out, nullptr, 4), kOutOfRange);
-  EXPECT_EQ(Coverage(nullptr, out, nullptr), kNullInput);
-  EXPECT_EQ(Coverage(inside_.data(), nullptr, nullptr), kNullInput);
-  EXPECT_EQ(AimhueCalcPercentOfTarget(triples_[0], nullptr, triples_[2], inside_.data(), out,
-                                      nullptr, 3),
-            kNullInput);
-
   const std::vector<unsigned char> pixels(400, 1);
   const int32_t kMax = 0x7FFFFFFF;
   const struct {
@@ -87,31 +76,6 @@ TEST_F(ComputeApi, CoverageChecksRunInOrderAndLeaveTheOutputUnwritten) {
   EXPECT_EQ(out[0], -1.0f);
 }
 
-TEST_F(ComputeApi, HandleFunctionsCheckHandleThenCountBeforeAnyMeter) {
-  AimhueHandle handle = nullptr;
-  ASSERT_EQ(AimhueCreateHandle(&handle), kOk);
-  bool ng = false;
-  for (int count : {2, 4}) {
-    EXPECT_EQ(AimhueSearch(handle, nullptr, nullptr, nullptr, count), kOutOfRange);
-    EXPECT_EQ(AimhueCalcPercentNG(handle, nullptr, nullptr, nullptr, count), kOutOfRange);
-    EXPECT_EQ(AimhueJudgeNG(handle, &ng, nullptr, nullptr, nullptr, count), kOutOfRange);
-  }
-  EXPECT_EQ(AimhueSearch(nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
-  EXPECT_EQ(AimhueCalcPercentNG(nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
-  EXPECT_EQ(AimhueJudgeNG(nullptr, &ng, triples_[0], triples_[1], triples_[2], 3), kNullInput);
-  EXPECT_EQ(AimhueJudgeNG(handle, nullptr, triples_[0], triples_[1], triples_[2], 3), kNullInput);
-
-  // A failing combination is returned and the verdict is not written.
-  meters_[2][0].color = 1;
-  LogCapture log;
-  EXPECT_EQ(AimhueJudgeNG(handle, &ng, triples_[0], triples_[1], triples_[2], 3), kOutOfRange);
-  EXPECT_EQ(AimhueSearch(handle, triples_[0], triples_[1], triples_[2], 3), kOutOfRange);
-  EXPECT_EQ(log.Errors(), (Lines{"LedMeter::Check--Error in LedMeter input color different",
-                                 "LedMeter::Check--Error in LedMeter input color different"}));
-  EXPECT_FALSE(ng);
-  AimhueDestroyHandle(handle);
-}
-
 // The engine refuses a scale above 1, the exported call still succeeds.
 TEST_F(ComputeApi, CalcWhiteDiscardsTheEnginesRangeStatus) {
   AimhueHandle handle = nullptr;
@@ -123,8 +87,6 @@ TEST_F(ComputeApi, CalcWhiteDiscardsTheEnginesRangeStatus) {
   float after[12];
   ASSERT_EQ(AimhueGet(handle, after, nullptr), kOk);
   EXPECT_EQ(std::memcmp(targets, after, sizeof targets), 0);
-  EXPECT_EQ(AimhueCalcWhite(handle, 1.0f, nullptr, 0), kNullInput);
-  EXPECT_EQ(AimhueCalcWhite(nullptr, 1.0f, &white, 0), kNullInput);
   AimhueDestroyHandle(handle);
 }
 

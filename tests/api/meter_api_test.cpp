@@ -53,8 +53,6 @@ TEST(VConcatMeter, MismatchesAreRefusedInOrderWithOutUntouched) {
     EXPECT_EQ(out.chroma.size(), cv::Size(1, 1));
     EXPECT_EQ(out.type, static_cast<uint32_t>(CIE_Z));
   }
-  LedMeter out;
-  EXPECT_EQ(AimhueVConcatMeter(nullptr, &top, &out), kNullInput);
 }
 
 }  // namespace
