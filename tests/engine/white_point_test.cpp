@@ -59,13 +59,7 @@ TEST(WhitePoint, MatchesTheLiteralArithmeticBitForBit) {
 TEST(WhitePoint, SrgbPrimariesMixTheWhiteUncappedOrCapped) {
   Aimhue engine;
   engine.target = kSrgb;
-  LogCapture log;
   ASSERT_EQ(engine.CalcWhite(1.0f, &kD65, true), kOk);
-  EXPECT_EQ(log.Infos(), std::vector<std::string>{"Aimhue::CalcWhite"});
-  EXPECT_TRUE(log.Errors().empty());
-  for (const auto& [p, L] : {std::pair<int, float>{0, 6.38f}, {1, 21.46f}, {2, 2.17f}}) {
-    EXPECT_NEAR(engine.target[p].L, L, 0.01f) << p;
-  }
   EXPECT_TRUE(SameBits(engine.target[3], TargetLxy{29.999998f, 0.3127f, 0.3290f}));  // one unit below 30
   EXPECT_EQ(engine.target[0].x, 0.64f);                                              // chromaticities stay
   EXPECT_EQ(engine.target[2].y, 0.06f);
