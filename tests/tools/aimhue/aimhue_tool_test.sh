@@ -201,10 +201,15 @@ contains out.txt "Worst LEDs"
 [ -s screen.corr ] && [ -s map.png ] || fail "correct outputs"
 leftovers() { ls -A . planes | grep -E '^\.[^/]+\.[A-Za-z0-9]{6}$'; }
 leftovers && fail "correct left temporary files behind"
+worst_led=$("$python" -c 'import json; w = json.load(open("correct.json"))["worst"][0]; print("%d,%d" % (w["row"], w["col"]))')
+expect 0 "$aimhue" inspect --json --led "$worst_led" screen.corr
+cp out.txt worst_led.json
 # The report's figures agree with each other; the exported planes read back
-# as 16-bit integers whose row sums never pass full scale; the panel table
-# covers the screen; the worst list is in order.
-"$python" - correct.json panels.csv planes <<'PY' || fail "correct outputs check"
+# as 16-bit integers whose row sums never pass full scale, and at the worst
+# LED they hold its saved coefficients, gain and flags as inspect reads them
+# from the .corr file; the panel table covers the screen; the worst list is
+# in order.
+"$python" - correct.json panels.csv planes worst_led.json <<'PY' || fail "correct outputs check"
 import csv, json, os, struct, sys
 report = json.load(open(sys.argv[1]))
 counts = report["counts"]
@@ -246,8 +251,14 @@ for e in names:
     for led in range(48 * 32):
         assert sum(planes[(e, i)][2][led] for i in names) <= 4095
 assert tiff("gain.tiff")[:2] == (48, 32) and tiff("flags.tiff")[:2] == (48, 32)
+led = json.load(open(sys.argv[4]))[0]
+at = led["row"] * 48 + led["col"]
+for k, e in enumerate(names):
+    for j, i in enumerate(names):
+        assert planes[(e, i)][2][at] == round(led["coefficients"][k][j] * 4095), (e, i)
+assert tiff("gain.tiff")[2][at] == round(led["gain"] * 4095), led["gain"]
+assert tiff("flags.tiff")[2][at] == led["flagBits"] and led["row"] < 32
 PY
-worst_led=$("$python" -c 'import json; w = json.load(open("correct.json"))["worst"][0]; print("%d,%d" % (w["row"], w["col"]))')
 expect 0 "$aimhue" inspect --led "$worst_led" screen.corr
 contains out.txt "red emitter"
 contains out.txt "$("$python" -c 'import json; print(json.load(open("correct.json"))["worst"][0]["flags"])')"
