@@ -8,6 +8,7 @@
 #include <array>
 #include <cstring>
 #include <functional>
+#include <vector>
 
 #include "engine/aimhue.h"
 #include "support/test_meters.h"
@@ -15,16 +16,23 @@
 namespace aimhue::testing {
 namespace {
 
-TEST(ExportedFunctions, RefuseNullAndMissingInputsLeavingTheHandle) {
-  std::array<std::array<LedMeter, 3>, 3> meters;
-  const LedMeter* triples[3][3];
-  for (int primary = 0; primary < 3; ++primary) {
-    for (int axis = 0; axis < 3; ++axis) {
-      meters[primary][axis] = MakeMeter(1u << axis, 1u << primary, 2, 3, 0.3f);
-      triples[primary][axis] = &meters[primary][axis];
+// A 2 x 3 screen as nine meters, every LED alike.
+class ExportedFunctions : public ::testing::Test {
+ protected:
+  ExportedFunctions() {
+    for (int primary = 0; primary < 3; ++primary) {
+      for (int axis = 0; axis < 3; ++axis) {
+        meters_[primary][axis] = MakeMeter(1u << axis, 1u << primary, 2, 3, 0.3f);
+        triples_[primary][axis] = &meters_[primary][axis];
+      }
     }
   }
-  const LedMeter *const *r = triples[0], *const *g = triples[1], *const *b = triples[2];
+  std::array<std::array<LedMeter, 3>, 3> meters_;
+  const LedMeter* triples_[3][3];
+};
+
+TEST_F(ExportedFunctions, RefuseNullAndMissingInputsLeavingTheHandle) {
+  const LedMeter *const *r = triples_[0], *const *g = triples_[1], *const *b = triples_[2];
   AimhueHandle h = nullptr;
   AimhueScreen s = nullptr;  // green and blue only
   ASSERT_EQ(AimhueCreateHandle(&h), kOk);
@@ -122,6 +130,51 @@ TEST(ExportedFunctions, RefuseNullAndMissingInputsLeavingTheHandle) {
   AimhueDestroyScreen(nullptr);
   AimhueDestroyScreen(s);
   AimhueDestroyHandle(h);
+}
+
+// Every malformed mask descriptor is refused before any LED is counted.
+TEST_F(ExportedFunctions, CoverageRefusesMalformedMasksLeavingTheOutput) {
+  const float targets[12] = {0, 0.3f, 0.3f, 0, 0.3f, 0.3f, 0, 0.3f, 0.3f, 0, 0.3f, 0.3f};
+  float out[4] = {-1, -1, -1, -1};
+  const std::vector<unsigned char> pixels(400, 1);
+  const int32_t kMax = 0x7FFFFFFF;
+  const struct {
+    AimhueImage mask;
+    int status;
+  } masks[] = {
+      {{10, 10, 0, 100, pixels.data()}, kOutOfRange},  // accepted, but not the screen's size
+      {{10, 10, 0, 99, pixels.data()}, kInconsistentDescriptor},
+      {{10, 10, 0, 100, nullptr}, kInconsistentDescriptor},
+      {{0, 10, 0, 0, pixels.data()}, kInconsistentDescriptor},
+      {{-3, -4, 0, 0, nullptr}, kInconsistentDescriptor},  // 12 cells by the size rule
+      {{-10, 10, 0, 0, nullptr}, kInconsistentDescriptor},  // a negative product
+      {{10, 10, -8, 0, pixels.data()}, kInconsistentDescriptor},
+      {{kMax, kMax, 0, 1, pixels.data()}, kInconsistentDescriptor},  // beyond any 32-bit size
+      {{0, 0, 0, 0, nullptr}, kEmptyInput},
+      {{-3, 0, 0, 0, nullptr}, kEmptyInput},
+      {{10, 10, 5, 400, pixels.data()}, kUnsupportedElementType},
+      {{10, 10, 16, 300, pixels.data()}, kUnsupportedElementType},  // three channels
+  };
+  for (const auto& m : masks) {
+    EXPECT_EQ(AimhueCalcPercentOfTarget(triples_[0], triples_[1], triples_[2], targets, out, &m.mask, 3),
+              m.status)
+        << m.mask.rows << " " << m.mask.cols << " " << m.mask.type << " " << m.mask.size;
+  }
+  EXPECT_EQ(out[0], -1.0f);
+}
+
+// The engine refuses a scale above 1, the exported call still succeeds.
+TEST(ExportedCalcWhite, DiscardsTheEnginesRangeStatus) {
+  AimhueHandle handle = nullptr;
+  ASSERT_EQ(AimhueCreateHandle(&handle), kOk);
+  const TargetLxy white{0.0f, 0.3127f, 0.329f};
+  float targets[12];
+  ASSERT_EQ(AimhueGet(handle, targets, nullptr), kOk);
+  EXPECT_EQ(AimhueCalcWhite(handle, 2.0f, &white, 0), kOk);
+  float after[12];
+  ASSERT_EQ(AimhueGet(handle, after, nullptr), kOk);
+  EXPECT_EQ(std::memcmp(targets, after, sizeof targets), 0);
+  AimhueDestroyHandle(handle);
 }
 
 }  // namespace

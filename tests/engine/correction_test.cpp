@@ -252,17 +252,6 @@ TEST(CorrectionTest, RefusalsLeaveTheResultAndLogOneLine) {
   screen.triples[2][1] = nullptr;
   expectRefused(kNullInput, "meter is nullptr", defaults);
   screen.triples[2][1] = &screen.meters[2][1];
-  {
-    LogCapture log;
-    EXPECT_EQ(CalcCorrection(kTargets, screen.triples[0], nullptr, screen.triples[2], defaults,
-                             &previous),
-              kNullInput);
-    EXPECT_EQ(CalcCorrection(kTargets, screen.triples[0], screen.triples[1], screen.triples[2],
-                             defaults, nullptr),
-              kNullInput);
-    EXPECT_EQ(log.Errors(), (Lines{"CalcCorrection--Error :: meter triple is nullptr",
-                                   "CalcCorrection--Error :: input is nullptr"}));
-  }
   for (float quantile : {0.0f, 1.01f, float(NAN)}) {
     expectRefused(kOutOfRange, "quantile not in (0, 1]", {quantile});
   }
