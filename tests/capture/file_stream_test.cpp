@@ -9,7 +9,6 @@
 #include <sys/stat.h>
 
 #include <atomic>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <limits>
@@ -94,8 +93,6 @@ TEST(FileStream, FilesHoldAndLoadWhatBuffersHoldAndLoad) {
   }
 }
 
-// A file cut or grown after it was opened: the reader sees the bytes up to
-// the cut, or up to the size at opening, and stops there.
 // A save to a FIFO that no process reads is refused at once instead of
 // waiting for a reader forever.
 TEST(FileStream, SavingToAnUnreadFifoIsRefusedAtOnce) {
@@ -106,36 +103,6 @@ TEST(FileStream, SavingToAnUnreadFifoIsRefusedAtOnce) {
   EXPECT_EQ(LargeMeter().Save(fifo), kOpenWriteFailed);
   FileSink sink;
   EXPECT_FALSE(sink.Open(fifo));
-}
-
-TEST(FileStream, FileChangingSizeAfterOpeningReadsAsCutData) {
-  TempDir dir;
-  cv::Mat mat(300, 200, CV_32FC2);
-  cv::randu(mat, 0.0, 1.0);
-  const std::string block = BlockBytes(mat);
-  const std::string name = dir.Write("m.block", block);
-  for (const size_t cut : {size_t{0}, size_t{10}, size_t{16}, size_t{5000}, block.size() / 2,
-                           block.size() - 1}) {
-    dir.Write("m.block", block);
-    FileSource file;
-    ASSERT_TRUE(file.Open(name));
-    std::filesystem::resize_file(name, cut);
-    ByteReader in(file, file.Size());
-    cv::Mat loaded = cv::Mat::ones(1, 1, CV_8UC1);
-    EXPECT_FALSE(ReadMatrixBlock(in, loaded)) << cut;
-    EXPECT_EQ(loaded.total(), 1u) << cut;
-    EXPECT_EQ(in.Remaining(), 0u) << cut;
-  }
-  dir.Write("m.block", block);
-  FileSource file;
-  ASSERT_TRUE(file.Open(name));
-  std::ofstream(name, std::ios::app | std::ios::binary) << "more bytes";
-  ByteReader in(file, file.Size());
-  cv::Mat loaded;
-  ASSERT_TRUE(ReadMatrixBlock(in, loaded));
-  EXPECT_EQ(BlockBytes(loaded), block);
-  uint8_t extra = 0;
-  EXPECT_FALSE(in.ReadU8(extra));
 }
 
 // A meter file rewritten, cut and grown by another thread while it is

@@ -104,12 +104,7 @@ TEST(LedMeterCheck, DistinctnessMissingLayersAndThreeMeters) {
                "layer is nullptr");
 
   const LedMeter x = MakeMeter(CIE_X, 2), y = MakeMeter(CIE_Y, 2), z = MakeMeter(CIE_Z, 2);
-  const LedMeter other_y = MakeMeter(CIE_Y, 2), colour_1_y = MakeMeter(CIE_Y, 1);
-  const LedMeter big_y = MakeMeter(CIE_Y, 2, 3, 3);
-  EXPECT_CHECK(LedMeter::Check(kCheckForCombine, &x, &y, &z), kOk);
-  EXPECT_CHECK(LedMeter::Check(kCheckForCombine, &x, &y, &other_y), kOutOfRange, "input type same");
-  EXPECT_CHECK(LedMeter::Check(kCheckForCombine, &x, &y, nullptr), kNullInput, "input is nullptr");
-  EXPECT_CHECK(LedMeter::Check(kCheckTypeIsY, &y, &other_y), kOk);
+  const LedMeter colour_1_y = MakeMeter(CIE_Y, 1), big_y = MakeMeter(CIE_Y, 2, 3, 3);
   // (a, b) is checked whole before c is looked at, even for null.
   EXPECT_CHECK(LedMeter::Check(kCheckNotNull | kCheckColorSame, &x, &colour_1_y, nullptr),
                kOutOfRange, "input color different");

@@ -29,18 +29,6 @@ Aimhue Searched() {
   return engine;
 }
 
-TEST(EngineFile, FreshImageStartsWithMarkVersionFractionsAndLimit) {
-  const unsigned char start[] = {0x4C, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x80, 0x3F,
-                                 0x00, 0x00, 0x80, 0x3F, 0x00, 0x00, 0x80, 0x3F, 0x00,
-                                 0x00, 0x80, 0x3F, 0xCD, 0xCC, 0x4C, 0x3F};
-  const std::string image = Content(Aimhue());
-  EXPECT_EQ(image.substr(0, 25), std::string(reinterpret_cast<const char*>(start), 25));
-  EXPECT_EQ(image.substr(25), std::string(144, '\0'));  // zeroed blocks
-  uint64_t size = 0;
-  EXPECT_EQ(Aimhue().GetBufferSize(&size), kOk);
-  EXPECT_EQ(size, 169u);
-}
-
 TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
   TempDir dir;
   const Aimhue saved = Searched();

@@ -178,6 +178,15 @@ contains err.txt "status 9"
 expect 0 "$aimhue" inspect screen.aimhue meters/red_X.meter
 contains out.txt "NG limit"
 contains out.txt "CIE_X"
+# The library's log level comes from AIMHUE_LOG: a known level takes effect,
+# "off" silences even errors, an unknown one is reported and ignored.
+expect 0 env AIMHUE_LOG=info "$aimhue" inspect screen.aimhue meters/red_X.meter
+contains err.txt "[info] LedMeter::Load"
+expect 3 env AIMHUE_LOG=off "$aimhue" inspect missing.aimhue
+if grep -qF "[error]" err.txt; then fail "AIMHUE_LOG=off still logs errors"; fi
+expect 3 env AIMHUE_LOG=loud "$aimhue" inspect missing.aimhue
+contains err.txt "AIMHUE_LOG holds an unknown level"
+contains err.txt "[error] Aimhue::Load -- Failed to Open file."
 expect 0 "$aimhue" inspect --json screen.aimhue meters/green_Y.meter
 "$python" - out.txt calibrate.json <<'PY' || fail "inspect JSON check"
 import json, sys
