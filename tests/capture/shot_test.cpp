@@ -118,21 +118,6 @@ TEST(ShotCheck, TestsRunInTheirOrder) {
                {kCaptureMismatch, error + ":: image size mismatch.", [&] { b.image = a.image; }}});
 }
 
-// LED `index` of the interval grid, row by row; no partition without a
-// screen, and a zero interval refused by the pattern setter.
-TEST(ShotPointLocator, PresetMetadata) {
-  Shot shot, bare;
-  const int screen[2] = {8, 8}, interval[2] = {4, 4}, no_screen[2] = {0, 8}, zero[2] = {0, 4};
-  EXPECT_EQ(shot.SetForPointLocator(120016, screen, interval, 6, 3), kOk);
-  EXPECT_EQ(cv::Vec3i(shot.pattern->loc_x, shot.pattern->loc_y, shot.pattern->lighted_led_w),
-            cv::Vec3i(2, 1, 2));
-  EXPECT_EQ(shot.device->cam_type, 120016);
-  EXPECT_EQ(bare.SetForPointLocator(1, no_screen, interval, 6, 0), kOk);
-  EXPECT_EQ(bare.part, nullptr);
-  EXPECT_EQ(bare.SetForPointLocator(1, screen, zero, 6, 0), kOk);
-  EXPECT_EQ(bare.pattern, nullptr);
-}
-
 // Only present records are described; a device text that fills its 64
 // bytes without a terminator is printed up to its end and no further.
 TEST(ShotInfo, DescribesPresentRecordsAndTheImage) {

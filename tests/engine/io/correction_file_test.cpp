@@ -76,7 +76,7 @@ TEST(CorrectionFile, DamagedContentIsRefusedAndLeavesTheRecord) {
     record.*plane = value;
     return record;
   };
-  const int32_t badMode = 7, badBits = 20, eight = 8;
+  const int32_t badMode = 7, eight = 8;
   const float nan = NAN;
   const size_t coeffBlock = 69;
   const std::string dataError = "Correction::FromBuffer -- Error data in file.";
@@ -88,11 +88,8 @@ TEST(CorrectionFile, DamagedContentIsRefusedAndLeavesTheRecord) {
       {good.substr(0, good.size() - 4) + "ABCD", kBadVersion, dataError},
       {corrupt(57, &nan, 4), kBadVersion, dataError},  // quantile
       {corrupt(61, &badMode, 4), kBadVersion, dataError},
-      {corrupt(65, &badBits, 4), kBadVersion, dataError},
       {corrupt(coeffBlock + 12, &eight, 4), kBadVersion, dataError},  // 8 channels
       {Content(withPlane(&Correction::gain, cv::Mat::zeros(3, 2, CV_32FC1))), kBadVersion,
-       dataError},
-      {Content(withPlane(&Correction::flags, cv::Mat::zeros(2, 3, CV_16UC1))), kBadVersion,
        dataError},
   };
   Correction record = Sample();
