@@ -15,8 +15,6 @@
 namespace aimhue::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // A synthetic screen with outliers, as meters and as a screen object.
 class ScreenApi : public ::testing::Test {
  protected:

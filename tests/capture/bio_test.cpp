@@ -8,8 +8,6 @@
 namespace aimhue::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 TEST(BinaryMatrixFile, OtherMarkDamagedDataAndZeroRowsStillGiveTrue) {
   TempDir dir;
   const cv::Mat before = cv::Mat::ones(2, 2, CV_8UC1);

@@ -1,6 +1,5 @@
 #include <aimhue/led_meter.h>
 
-#include <cstring>
 #include <limits>
 
 #include "meter/chroma_lxy.h"
@@ -9,20 +8,12 @@
 namespace aimhue::testing {
 namespace {
 
-bool SameBits(const cv::Mat& a, const cv::Mat& b) {
-  if (a.size != b.size || a.type() != b.type()) return false;
-  for (int row = 0; row < a.rows; ++row) {
-    if (std::memcmp(a.ptr(row), b.ptr(row), a.cols * a.elemSize()) != 0) return false;
-  }
-  return true;
-}
-
 TEST(ChromaCombine, XyzSharesThePlanesAndColourFourNeedsNoZ) {
   const LedMeter X4 = MakeMeter(CIE_X, 4), Y4 = MakeMeter(CIE_Y, 4), Z4 = MakeMeter(CIE_Z, 4);
   ChromaXYZ xyz;
   ASSERT_EQ(ChromaXYZ::Combine(xyz, &X4, &Y4, nullptr), kOk);
   EXPECT_TRUE(xyz.X.data == X4.chroma.data && xyz.Y.data == Y4.chroma.data);
-  EXPECT_TRUE(SameBits(xyz.Z, cv::Mat(2, 3, CV_32FC1, cv::Scalar(0))));
+  EXPECT_TRUE(SamePlaneBits(xyz.Z, cv::Mat(2, 3, CV_32FC1, cv::Scalar(0))));
   ASSERT_EQ(ChromaXYZ::Combine(xyz, &X4, &Y4, &Z4), kOk);
   EXPECT_EQ(xyz.Z.data, Z4.chroma.data);
   ChromaLxy lxy;
@@ -110,7 +101,7 @@ TEST(ChromaCombine, MatchesThePlainFormBitForBit) {
             sum);
     cv::divide(meters[0].chroma, sum, x);
     cv::divide(meters[1].chroma, sum, y);
-    ASSERT_TRUE(SameBits(out.x, x) && SameBits(out.y, y)) << rows << " x " << cols << " " << trial;
+    ASSERT_TRUE(SamePlaneBits(out.x, x) && SamePlaneBits(out.y, y)) << rows << " x " << cols << " " << trial;
     ASSERT_EQ(out.L.data, meters[1].chroma.data);  // L is the Y plane; x and y are new planes
     for (const LedMeter& meter : meters) {
       ASSERT_TRUE(out.x.data != meter.chroma.data && out.y.data != meter.chroma.data);

@@ -1,11 +1,12 @@
 #include "meter/dead_led_repair.h"
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
+
+#include "support/test_meters.h"
 
 namespace aimhue::testing {
 namespace {
@@ -20,13 +21,6 @@ void PlainRepair(const cv::Mat& state, cv::Mat& values) {
       if (state.at<uint8_t>(r, c) & kDeadLedBit) values.at<float>(r, c) = median.at<float>(r, c);
     }
   }
-}
-
-bool SameBits(const cv::Mat& a, const cv::Mat& b) {
-  for (int r = 0; r < a.rows; ++r) {
-    if (std::memcmp(a.ptr(r), b.ptr(r), a.cols * sizeof(float)) != 0) return false;
-  }
-  return true;
 }
 
 // Random planes (thin ones, and wide ones that the filter handles in vector
@@ -64,7 +58,7 @@ TEST(DeadLedRepair, BitIdenticalToTheWholePlaneFilter) {
     cv::Mat plain = values.clone();
     RepairDeadLeds(state, fast);
     PlainRepair(state, plain);
-    ASSERT_TRUE(SameBits(fast, plain)) << "trial " << trial << ", " << rows << " x " << cols;
+    ASSERT_TRUE(SamePlaneBits(fast, plain)) << "trial " << trial << ", " << rows << " x " << cols;
   }
 }
 
@@ -80,7 +74,7 @@ TEST(DeadLedRepair, RepairsAViewAndCountsTheDead) {
   cv::Mat plain = view.clone();
   EXPECT_EQ(RepairDeadLeds(state, view), 2);
   PlainRepair(state, plain);
-  EXPECT_TRUE(SameBits(view, plain));
+  EXPECT_TRUE(SamePlaneBits(view, plain));
   EXPECT_EQ(RepairDeadLeds(cv::Mat::zeros(4, 12, CV_8UC1), view), 0);
 }
 

@@ -13,8 +13,6 @@
 namespace aimhue::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // 2 x 3 float chroma, empty state and pos, only a Layer record.
 LedMeter LayerOnlyMeter() {
   LedMeter meter;

@@ -23,9 +23,4 @@ std::vector<std::string> LogCapture::Lines(int level) const {
   return result;
 }
 
-void LogCapture::Clear() {
-  std::lock_guard<std::mutex> guard(lock_);
-  lines_.clear();
-}
-
 }  // namespace aimhue::testing

@@ -10,6 +10,9 @@
 
 namespace aimhue::testing {
 
+// Log lines in the order written.
+using Lines = std::vector<std::string>;
+
 class LogCapture {
  public:
   LogCapture();
@@ -22,7 +25,6 @@ class LogCapture {
   std::vector<std::string> Errors() const { return Lines(2); }
   std::vector<std::string> Infos() const { return Lines(1); }
   std::vector<std::string> Debugs() const { return Lines(0); }
-  void Clear();
 
  private:
   static void Sink(int level, const char* line, void* user);

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
@@ -16,8 +17,6 @@
 #include "support/log_capture.h"
 
 namespace aimhue::testing {
-
-using Lines = std::vector<std::string>;
 
 // A meter of `type` and `color` with a partition, a layer, and rows x cols
 // planes: chroma filled with `value`, pos and state zero.
@@ -37,6 +36,15 @@ inline LedMeter MakeMeter(uint32_t type, uint32_t color, int rows = 2, int cols 
 // Whether two images have the same type, size and values.
 inline bool SameImage(const cv::Mat& a, const cv::Mat& b) {
   return a.type() == b.type() && a.size() == b.size() && cv::norm(a, b, cv::NORM_INF) == 0.0;
+}
+
+// Whether two planes have the same type, size and bits, row by row (NaN equals NaN).
+inline bool SamePlaneBits(const cv::Mat& a, const cv::Mat& b) {
+  if (a.size != b.size || a.type() != b.type()) return false;
+  for (int row = 0; row < a.rows; ++row) {
+    if (std::memcmp(a.ptr(row), b.ptr(row), a.cols * a.elemSize()) != 0) return false;
+  }
+  return true;
 }
 
 // Type, shape, buffer address and content of a plane.

@@ -12,8 +12,6 @@
 namespace aimhue::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // A 2 x 3 record with distinct values in every plane and field.
 Correction Sample() {
   Correction record;

@@ -11,8 +11,6 @@
 namespace aimhue::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 bool SameRecord(const Aimhue& a, const Aimhue& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 // Distinct values in every stored field and non-default settings.
