@@ -70,15 +70,6 @@ std::string FloatText(float value) {
   return std::string(text, result.ptr);
 }
 
-bool TargetsFinite(const TargetBlock& block) {
-  for (const TargetLxy& target : block) {
-    if (!std::isfinite(target.L) || !std::isfinite(target.x) || !std::isfinite(target.y)) {
-      return false;
-    }
-  }
-  return true;
-}
-
 ReportJson TargetBlockJson(const TargetBlock& block) {
   ReportJson object = ReportJson::object();
   for (std::size_t i = 0; i < block.size(); ++i) {
