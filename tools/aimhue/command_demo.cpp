@@ -23,7 +23,7 @@ struct DemoOptions {
 };
 
 int RunDemo(const DemoOptions& options) {
-  const ScreenSize size = RequireScreenSize(options.size);
+  const ScreenSize size = ScreenSizeOf(options.size);
   const CalibrationSettings settings = ParseCalibrationSettings(options.calibration);
   MakeDirectory(options.out);
   const std::filesystem::path folder(options.out);
@@ -73,6 +73,8 @@ void AddDemoCommand(CLI::App& app, int& exit_status) {
       " Then corrects every LED to the targets, prints the correction's report and writes"
       " correction.corr and the map correction_map.png.");
   command->add_option("--size", options->size, "Screen size in LEDs, WIDTHxHEIGHT.")
+      ->check(
+          ScreenSizeText("WIDTHxHEIGHT with at most " + std::to_string(kMaxScreenLeds) + " LEDs"))
       ->capture_default_str()
       ->type_name("WxH");
   command->add_option("--seed", options->seed, "Seed of the synthetic screen; a seed always gives"

@@ -31,7 +31,7 @@ std::string MeterFileBytes(const LedMeter& meter, const std::string& file) {
 }
 
 int RunSimulate(const SimulateOptions& options) {
-  const ScreenSize size = RequireScreenSize(options.size);
+  const ScreenSize size = ScreenSizeOf(options.size);
   const int64_t leds = static_cast<int64_t>(size.cols) * size.rows;
   if (options.dead < 0 || options.dead > leds || options.outliers < 0 || options.outliers > leds) {
     throw CommandError(kExitUsage, "--dead and --outliers must lie between 0 and the number of"
@@ -70,6 +70,8 @@ void AddSimulateCommand(CLI::App& app, int& exit_status) {
       " .meter files: `calibrate`, `judge`, `coverage` and `inspect` read them like real"
       " measurements.");
   command->add_option("--size", options->size, "Screen size in LEDs, WIDTHxHEIGHT.")
+      ->check(
+          ScreenSizeText("WIDTHxHEIGHT with at most " + std::to_string(kMaxScreenLeds) + " LEDs"))
       ->required()
       ->type_name("WxH");
   command->add_option("--seed", options->seed, "Seed of the synthetic screen.")

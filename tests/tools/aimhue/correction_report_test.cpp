@@ -138,16 +138,6 @@ TEST_F(CorrectedScreen, InspectionShowsOneLedOfASavedFile) {
   }
 }
 
-TEST(ParseLedPosition, TakesRowCommaColumnFromZero) {
-  const auto led = ParseLedPosition("12,0");
-  ASSERT_TRUE(led);
-  EXPECT_EQ(led->row, 12);
-  EXPECT_EQ(led->col, 0);
-  for (const char* text : {"", "12", "12,", ",3", "-1,2", "1.5,2", "1,2,3", "1e3,2"}) {
-    EXPECT_FALSE(ParseLedPosition(text)) << text;
-  }
-}
-
 }  // namespace
 }  // namespace tool
 }  // namespace aimhue
