@@ -1,20 +1,26 @@
 // The steps of `aimhue calibrate` on a synthetic screen, timed one by one in
-// the order and with the calls the tool makes, beside a plain read of the
-// same nine meter files in the same run (so the load's figure is a ratio
-// that holds on a busy machine).
+// the order and with the calls the tool makes, beside two plain reads of the
+// same nine meter files in the same run, so that the load's figure is a
+// ratio that holds on a busy machine:
+// - "read into fresh buffers": each file read whole with read(2) into a new
+//   buffer of its size, held to the end, as a program that only wanted the
+//   bytes would (it pays a page fault per 4 KiB of fresh memory);
+// - "read into one buffer": every file read through one reused buffer, the
+//   cost of copying the bytes out of the page cache and nothing else.
 //
 // The nine meters of each screen are written once to a scratch folder. The
-// plain read and the meter load alternate; each is timed kRepeats times and
-// the fastest run counts, so that both see the page cache warm. The other
-// steps run once per screen, on the loaded meters, as the tool runs them:
-// first with the meter-triple functions (each combines the meters again),
-// then through a screen object (combined once).
+// reads and the tool's pipeline alternate kRepeats times and the fastest
+// run of each step counts, so that all see the page cache warm. The
+// pipeline is the tool's: one primary at a time, load its three meters,
+// find and repair the dead LEDs, hand the value planes to the screen; then
+// search, place the targets and white point, count the coverage with the
+// per-LED misses once, and store the NG limit and judge from that count.
 // Each step is given as the processor time of the thread (user and system,
 // page faults included), which a busy machine disturbs far less than the
 // wall-clock time printed beside it.
 //
 // Screens: 1920 x 1080 and 3840 x 2160; set AIMHUE_BENCH_8K=1 (or pass
-// --8k) to add 7680 x 4320 (1.5 GB of meter files, about 2.5 GB of memory).
+// --8k) to add 7680 x 4320 (1.5 GB of meter files, as much memory again).
 #include <aimhue/aimhue.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -29,11 +35,11 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
 #include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
 
 #include "synthetic/synthetic_screen.h"
 
@@ -41,10 +47,7 @@ namespace aimhue {
 namespace {
 
 constexpr int kRepeats = 3;
-constexpr int kPrimaries = 3;
 constexpr int kAxes = 3;
-
-using Meters = std::array<std::array<LedMeter, kAxes>, kPrimaries>;
 
 struct Time {
   double cpu = 1e30;   // seconds of processor time of this thread
@@ -69,82 +72,116 @@ Time Fastest(const Time& a, const Time& b) {
   return Time{std::min(a.cpu, b.cpu), std::min(a.wall, b.wall)};
 }
 
+Time Sum(const Time& a, const Time& b) { return Time{a.cpu + b.cpu, a.wall + b.wall}; }
+
 void Require(int status, const char* what) {
   if (status == kOk) return;
   std::fprintf(stderr, "pipeline_bench: %s failed with status %d\n", what, status);
   std::exit(1);
 }
 
-// The baseline: each file read whole with read(2) into a fresh buffer of its
-// size, as a program that only wanted the bytes would. The nine buffers are
-// held until the end, as the loaded meters are, so that both pay for fresh
-// memory alike.
-uint64_t PlainRead(const std::vector<std::string>& files) {
+// Reads the whole file into `at` (room for `size` bytes); returns the size.
+size_t ReadWhole(const std::string& file, char* at, size_t size) {
+  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) Require(2, "plain read");
+  size_t done = 0;
+  while (done < size) {
+    const ssize_t got = ::read(descriptor, at + done, size - done);
+    if (got <= 0) break;
+    done += static_cast<size_t>(got);
+  }
+  ::close(descriptor);
+  return done;
+}
+
+size_t FileSize(const std::string& file) {
+  return static_cast<size_t>(std::filesystem::file_size(file));
+}
+
+uint64_t ReadIntoFreshBuffers(const std::vector<std::string>& files) {
   uint64_t total = 0;
-  std::vector<cv::Mat> held;
+  std::vector<std::vector<char>> held;
   for (const std::string& file : files) {
-    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat status {};
-    if (descriptor < 0 || ::fstat(descriptor, &status) != 0) Require(2, "plain read");
-    cv::Mat bytes(1, static_cast<int>(status.st_size), CV_8UC1);
-    size_t done = 0;
-    while (done < static_cast<size_t>(status.st_size)) {
-      const ssize_t got = ::read(descriptor, bytes.data + done, status.st_size - done);
-      if (got <= 0) Require(2, "plain read");
-      done += static_cast<size_t>(got);
-    }
-    ::close(descriptor);
-    total += done;
-    held.push_back(bytes);
+    const size_t size = FileSize(file);
+    held.emplace_back();
+    held.back().reserve(size);  // fresh memory, untouched
+    total += ReadWhole(file, held.back().data(), size);
   }
   return total;
 }
 
-void LoadMeters(const std::vector<std::string>& files, Meters& meters) {
-  for (int p = 0; p < kPrimaries; ++p) {
-    for (int a = 0; a < kAxes; ++a) Require(meters[p][a].Load(files[p * kAxes + a]), "load");
+uint64_t ReadIntoOneBuffer(const std::vector<std::string>& files, std::vector<char>& buffer) {
+  uint64_t total = 0;
+  for (const std::string& file : files) {
+    const size_t size = FileSize(file);
+    if (buffer.size() < size) buffer.resize(size);
+    total += ReadWhole(file, buffer.data(), size);
   }
+  return total;
 }
 
-// As the tool does: an LED whose X, Y and Z are all zero is marked dead in
-// its primary's three meters.
-void MarkDeadLeds(Meters& meters) {
-  for (auto& triple : meters) {
-    cv::Mat dead = (triple[0].chroma == 0.0f);
-    dead &= (triple[1].chroma == 0.0f);
-    dead &= (triple[2].chroma == 0.0f);
-    if (cv::countNonZero(dead) == 0) continue;
-    for (LedMeter& meter : triple) {
-      if (meter.state.size() != meter.chroma.size()) {
-        meter.state = cv::Mat::zeros(meter.chroma.size(), CV_8UC1);
-      }
-      cv::Mat marked = meter.state | 1;
-      marked.copyTo(meter.state, dead);
+// The tool's calibrate from its files to its verdict, each step's time added
+// to `times` under its name (the per-primary steps summed over primaries).
+void RunPipeline(const std::vector<std::string>& files, std::vector<std::string>& order,
+                 std::map<std::string, Time>& times) {
+  std::map<std::string, Time> run;
+  const auto timed = [&](const std::string& name, const std::function<void()>& step) {
+    if (run.count(name) == 0) {
+      run[name] = Time{0.0, 0.0};
+      if (std::find(order.begin(), order.end(), name) == order.end()) order.push_back(name);
     }
+    run[name] = Sum(run[name], Measure(step));
+  };
+  AimhueScreen screen = nullptr;
+  AimhueHandle handle = nullptr;
+  Require(AimhueCreateScreen(&screen), "create screen");
+  Require(AimhueCreateHandle(&handle), "create handle");
+  for (int p = 0; p < kPrimaryCount; ++p) {
+    std::array<LedMeter, kAxes> meters;
+    LedMeter* const triple[kAxes] = {&meters[0], &meters[1], &meters[2]};
+    timed("load meters", [&] {
+      for (int a = 0; a < kAxes; ++a) Require(meters[a].Load(files[p * kAxes + a]), "load");
+    });
+    timed("dead LEDs", [&] {
+      DeadLedCounts dead;
+      Require(FixDeadLeds(triple, true, &dead), "dead LEDs");
+    });
+    timed("combine (planes taken)", [&] {
+      Require(AimhueScreenTakePrimary(screen, ColourOfPrimary(p), triple), "combine");
+    });
+  }
+  timed("target search", [&] { Require(AimhueSearchScreen(handle, screen), "search"); });
+  float targets[12] = {};
+  timed("targets and white point", [&] {
+    const float fractions[4] = {1.0f, 1.0f, 1.0f, 1.0f};
+    Require(AimhueSetPercentCalcChroma(handle, fractions), "fractions");
+    const TargetLxy white{0.0f, 0.3127f, 0.3290f};
+    Require(AimhueCalcWhite(handle, 1.0f, &white, 0), "white point");
+    Require(AimhueGet(handle, targets, nullptr), "targets");
+  });
+  Coverage coverage{};
+  timed("coverage and misses", [&] {
+    int32_t rows = 0;
+    int32_t cols = 0;
+    Require(AimhueScreenSize(screen, &rows, &cols), "screen size");
+    cv::Mat misses(rows, cols, CV_8UC1);
+    Require(AimhueCalcScreenCoverage(screen, targets, nullptr, &coverage, misses.data,
+                                     misses.total()),
+            "coverage");
+  });
+  timed("NG limit and judgement", [&] {
+    bool ng = true;
+    Require(AimhueSetNGLimitFromCoverage(handle, &coverage), "NG limit");
+    Require(AimhueJudgeCoverage(handle, &coverage, &ng), "NG judgement");
+  });
+  timed("free the screen", [&] {
+    AimhueDestroyHandle(handle);
+    AimhueDestroyScreen(screen);
+  });
+  for (const auto& [name, time] : run) {
+    times[name] = times.count(name) ? Fastest(times[name], time) : time;
   }
 }
-
-void RepairDeadLeds(Meters& meters) {
-  for (auto& triple : meters) {
-    for (LedMeter& meter : triple) Require(meter.FixDeadPoint(), "dead LEDs");
-  }
-}
-
-// What the repair cost when it filtered whole planes: the 3 x 3 median
-// filter of every plane (the copy to the dead LEDs is left out).
-void FilterWholePlanes(const Meters& meters) {
-  for (const auto& triple : meters) {
-    for (const LedMeter& meter : triple) {
-      cv::Mat filtered;
-      cv::medianBlur(meter.chroma, filtered, 3);
-    }
-  }
-}
-
-struct Step {
-  const char* name;
-  Time time;
-};
 
 void RunScreen(int cols, int rows) {
   synthetic::ScreenOptions options;
@@ -158,114 +195,42 @@ void RunScreen(int cols, int rows) {
     Require(synthetic::WriteMeterFiles(generated, folder.string()), "writing the meter files");
   }
   std::vector<std::string> files;
-  for (int p = 0; p < kPrimaries; ++p) {
+  for (int p = 0; p < kPrimaryCount; ++p) {
     for (int a = 0; a < kAxes; ++a) files.push_back(synthetic::MeterFilePath(folder.string(), p, a));
   }
 
-  Time plain;
-  Time load;
+  Time fresh;
+  Time reused;
   uint64_t bytes = 0;
-  Meters meters;
+  std::vector<char> buffer;
+  std::vector<std::string> order;
+  std::map<std::string, Time> times;
   for (int repeat = 0; repeat < kRepeats; ++repeat) {
-    plain = Fastest(plain, Measure([&] { bytes = PlainRead(files); }));
-    meters = Meters();
-    load = Fastest(load, Measure([&] { LoadMeters(files, meters); }));
+    fresh = Fastest(fresh, Measure([&] { bytes = ReadIntoFreshBuffers(files); }));
+    reused = Fastest(reused, Measure([&] { ReadIntoOneBuffer(files, buffer); }));
+    RunPipeline(files, order, times);
   }
-
-  std::vector<Step> steps;
-  const auto timed = [&](const char* name, const std::function<void()>& step) {
-    steps.push_back({name, Measure(step)});
-  };
-  timed("dead LEDs: find, mark", [&] { MarkDeadLeds(meters); });
-  const Time wholePlanes = Measure([&] { FilterWholePlanes(meters); });
-  timed("dead LEDs: repair", [&] { RepairDeadLeds(meters); });
-  std::array<std::array<const LedMeter*, kAxes>, kPrimaries> triples{};
-  for (int p = 0; p < kPrimaries; ++p) {
-    for (int a = 0; a < kAxes; ++a) triples[p][a] = &meters[p][a];
-  }
-  const LedMeter* const* red = triples[0].data();
-  const LedMeter* const* green = triples[1].data();
-  const LedMeter* const* blue = triples[2].data();
-  AimhueHandle handle = nullptr;
-  Require(AimhueCreateHandle(&handle), "create handle");
-  timed("target search", [&] { Require(AimhueSearch(handle, red, green, blue, 3), "search"); });
-  float targets[12] = {};
-  timed("targets and white point", [&] {
-    const float fractions[4] = {1.0f, 1.0f, 1.0f, 1.0f};
-    Require(AimhueSetPercentCalcChroma(handle, fractions), "fractions");
-    const TargetLxy white{0.0f, 0.3127f, 0.3290f};
-    Require(AimhueCalcWhite(handle, 1.0f, &white, 0), "white point");
-    Require(AimhueGet(handle, targets, nullptr), "targets");
-  });
-  timed("coverage", [&] {
-    float coverage[4] = {};
-    Require(AimhueCalcPercentOfTarget(red, green, blue, targets, coverage, nullptr, 3),
-            "coverage");
-  });
-  timed("NG limit", [&] { Require(AimhueCalcPercentNG(handle, red, green, blue, 3), "NG limit"); });
-  timed("NG judgement", [&] {
-    bool ng = true;
-    Require(AimhueJudgeNG(handle, &ng, red, green, blue, 3), "NG judgement");
-  });
-  AimhueDestroyHandle(handle);
-
-  // The same steps through a screen: the primaries combined once, then
-  // searched, counted and judged without combining again.
-  std::vector<Step> screenSteps;
-  const auto screenTimed = [&](const char* name, const std::function<void()>& step) {
-    screenSteps.push_back({name, Measure(step)});
-  };
-  AimhueScreen screen = nullptr;
-  Require(AimhueCreateScreen(&screen), "create screen");
-  Require(AimhueCreateHandle(&handle), "create handle");
-  screenTimed("combine", [&] {
-    Require(AimhueScreenSetPrimary(screen, kRed, red), "combine red");
-    Require(AimhueScreenSetPrimary(screen, kGreen, green), "combine green");
-    Require(AimhueScreenSetPrimary(screen, kBlue, blue), "combine blue");
-  });
-  screenTimed("target search", [&] { Require(AimhueSearchScreen(handle, screen), "search"); });
-  screenTimed("targets and white point", [&] {
-    const float fractions[4] = {1.0f, 1.0f, 1.0f, 1.0f};
-    Require(AimhueSetPercentCalcChroma(handle, fractions), "fractions");
-    const TargetLxy white{0.0f, 0.3127f, 0.3290f};
-    Require(AimhueCalcWhite(handle, 1.0f, &white, 0), "white point");
-    Require(AimhueGet(handle, targets, nullptr), "targets");
-  });
-  screenTimed("coverage", [&] {
-    Coverage coverage{};
-    Require(AimhueCalcScreenCoverage(screen, targets, nullptr, &coverage, nullptr, 0),
-            "coverage");
-  });
-  screenTimed("NG limit", [&] {
-    Require(AimhueCalcPercentNGScreen(handle, screen, nullptr), "NG limit");
-  });
-  screenTimed("NG judgement", [&] {
-    bool ng = true;
-    Require(AimhueJudgeNGScreen(handle, screen, &ng, nullptr), "NG judgement");
-  });
-  AimhueDestroyHandle(handle);
-  AimhueDestroyScreen(screen);
 
   const double megabytes = static_cast<double>(bytes) / 1e6;
   std::printf("\n%d x %d screen: nine meter files, %.1f MB (processor ms, wall ms)\n", cols, rows,
               megabytes);
-  std::printf("  %-24s %8.1f %8.1f  %6.0f MB/s\n", "plain read (baseline)", plain.cpu * 1e3,
-              plain.wall * 1e3, megabytes / plain.cpu);
-  std::printf("  %-24s %8.1f %8.1f  %6.0f MB/s  %.2f x the plain read\n", "load meters",
-              load.cpu * 1e3, load.wall * 1e3, megabytes / load.cpu, load.cpu / plain.cpu);
-  Time total{load.cpu, load.wall};
-  for (const Step& step : steps) {
-    total.cpu += step.time.cpu;
-    total.wall += step.time.wall;
-    std::printf("  %-24s %8.1f %8.1f\n", step.name, step.time.cpu * 1e3, step.time.wall * 1e3);
+  const auto rate = [megabytes](const Time& time) { return megabytes / time.cpu; };
+  std::printf("  %-26s %8.1f %8.1f  %6.0f MB/s\n", "read into fresh buffers", fresh.cpu * 1e3,
+              fresh.wall * 1e3, rate(fresh));
+  std::printf("  %-26s %8.1f %8.1f  %6.0f MB/s\n", "read into one buffer", reused.cpu * 1e3,
+              reused.wall * 1e3, rate(reused));
+  Time total{0.0, 0.0};
+  for (const std::string& name : order) {
+    const Time& time = times[name];
+    total = Sum(total, time);
+    std::printf("  %-26s %8.1f %8.1f", name.c_str(), time.cpu * 1e3, time.wall * 1e3);
+    if (name == "load meters") {
+      std::printf("  %6.0f MB/s  %.2f x the fresh read, %.2f x the one-buffer read", rate(time),
+                  time.cpu / fresh.cpu, time.cpu / reused.cpu);
+    }
+    std::printf("\n");
   }
-  std::printf("  %-24s %8.1f %8.1f\n", "total", total.cpu * 1e3, total.wall * 1e3);
-  std::printf("  %-24s %8.1f %8.1f  (the repair's earlier cost)\n", "whole-plane median filter",
-              wholePlanes.cpu * 1e3, wholePlanes.wall * 1e3);
-  std::printf("  through a screen (after the same load and dead LEDs):\n");
-  for (const Step& step : screenSteps) {
-    std::printf("  %-24s %8.1f %8.1f\n", step.name, step.time.cpu * 1e3, step.time.wall * 1e3);
-  }
+  std::printf("  %-26s %8.1f %8.1f\n", "total", total.cpu * 1e3, total.wall * 1e3);
   std::filesystem::remove_all(folder);
 }
 

@@ -41,9 +41,14 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # libaimhue.so.0 itself is in the package: let dpkg-shlibdeps find it there.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+# The picture codecs are loaded at run time, so dpkg-shlibdeps cannot see them.
+string(REGEX REPLACE "^lib(.*)\\.so\\.([0-9]+)$" "lib\\1\\2" AIMHUE_IMGCODECS_PACKAGE
+       "${AIMHUE_IMGCODECS_LIBRARY}")
+string(REPLACE "_" "-" AIMHUE_IMGCODECS_PACKAGE "${AIMHUE_IMGCODECS_PACKAGE}")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "${AIMHUE_IMGCODECS_PACKAGE}")
 if(AIMHUE_BUILD_PYTHON)
-  set(CPACK_DEBIAN_PACKAGE_DEPENDS
-      "python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), python3 (<< ${Python_VERSION_MAJOR}.${AIMHUE_PYTHON_NEXT_MINOR}), python3-numpy")
+  string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS
+      ", python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), python3 (<< ${Python_VERSION_MAJOR}.${AIMHUE_PYTHON_NEXT_MINOR}), python3-numpy")
 endif()
 # The headers include OpenCV's; hosts building against the package need it.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libopencv-dev, pkg-config")

@@ -40,15 +40,14 @@ int main(int argc, char** argv) {
   aimhue::synthetic::ScreenMeters screen = aimhue::synthetic::GenerateMeters(options);
 
   // A dead LED (X = Y = Z = 0) has no chromaticity, and one NaN would make
-  // the search's means NaN: mark dead LEDs in each meter's state (bit 0) and
-  // replace their values by the median of their neighbours.
+  // the search's means NaN: FixDeadLeds marks each one in the meters' state
+  // (bit 0) and replaces its values by the median of its neighbours.
   for (auto& primary : screen) {
-    const cv::Mat dead = primary[1].chroma == 0.0f;  // no luminance: the LED did not light
-    for (aimhue::LedMeter& meter : primary) {
-      meter.state = cv::Mat::zeros(meter.chroma.size(), CV_8UC1);
-      meter.state.setTo(1, dead);
-      if (Check("LedMeter::FixDeadPoint", meter.FixDeadPoint()) != 0) return 1;
-    }
+    aimhue::LedMeter* const triple[3] = {&primary[0], &primary[1], &primary[2]};
+    aimhue::DeadLedCounts dead;
+    if (Check("FixDeadLeds", aimhue::FixDeadLeds(triple, true, &dead)) != 0) return 1;
+    std::printf("dead LEDs: %lld found, %lld still dead\n", static_cast<long long>(dead.found),
+                static_cast<long long>(dead.remaining));
   }
   const aimhue::LedMeter* red[aimhue::kPrimaryCount] = {&screen[0][0], &screen[0][1], &screen[0][2]};
   const aimhue::LedMeter* green[aimhue::kPrimaryCount] = {&screen[1][0], &screen[1][1], &screen[1][2]};

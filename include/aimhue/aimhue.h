@@ -9,9 +9,11 @@
 #include <aimhue/bio.h>
 #include <aimhue/colorimetry.h>
 #include <aimhue/correction.h>
+#include <aimhue/dead_leds.h>
 #include <aimhue/export.h>
 #include <aimhue/led_meter.h>
 #include <aimhue/led_set.h>
+#include <aimhue/picture_files.h>
 #include <aimhue/plume_log.h>
 #include <aimhue/records.h>
 #include <aimhue/screen.h>

@@ -133,6 +133,23 @@ AIMHUE_EXPORT int AimhueGetResults(AimhueHandle handle, AimhueResults* out);
 // "AimhueSetTargets--Error :: ..."), with nothing stored.
 AIMHUE_EXPORT int AimhueSetTargets(AimhueHandle handle, const float* targets);
 
+// The NG rules on a coverage the host has already measured, so that a host
+// that reports the coverage, stores the NG limit and judges the same
+// measurement counts only once (for example with AimhueCalcScreenCoverage
+// of the handle's targets, which also gives the per-LED misses).
+// AimhueSetNGLimitFromCoverage stores coverage->all minus the NG threshold
+// as the NG limit, as AimhueCalcPercentNG does after its own count;
+// AimhueJudgeCoverage sets *out_ng to whether the handle's NG limit is
+// greater than coverage->all, as AimhueJudgeNG does. Only coverage->all is
+// read. Status: 1 for a null pointer; 9 when coverage->all is not a number
+// in [0, 1] (a NaN from a count over no LED, for instance), logged as
+// "<Function>--Error :: coverage of all three targets ... is not in [0, 1]",
+// with the limit and *out_ng unchanged.
+AIMHUE_EXPORT int AimhueSetNGLimitFromCoverage(AimhueHandle handle,
+                                               const aimhue::Coverage* coverage);
+AIMHUE_EXPORT int AimhueJudgeCoverage(AimhueHandle handle, const aimhue::Coverage* coverage,
+                                      bool* out_ng);
+
 // The computing functions below take each primary as a meter triple: a
 // pointer to an array of three LedMeter pointers, the CIE X, Y and Z meters
 // of that primary in that order (a colour-4 primary may pass a null Z

@@ -55,10 +55,47 @@ AIMHUE_EXPORT void AimhueDestroyScreen(AimhueScreen screen);
 AIMHUE_EXPORT int AimhueScreenSetPrimary(AimhueScreen screen, uint32_t colour,
                                          const aimhue::LedMeter* const* triple);
 
+// AimhueScreenSetPrimary for a host that loaded the meters only to combine
+// them: the screen takes the meters' value planes over instead of copying
+// them. When each of the three meters alone holds its value plane (no
+// other matrix shares it) and the plane's rows follow one another, the
+// chromaticities are written over the X and Z planes and the Y plane
+// becomes the luminance plane: nothing is allocated, and the peak memory of
+// a host that loads one primary at a time stays at the size of its meters.
+// Otherwise (a shared plane, a view with gaps between rows, a blue primary
+// without a Z meter) the planes are copied as AimhueScreenSetPrimary does.
+// The results are the same bits either way. On success the three meters'
+// value planes (`chroma`) are empty and everything else of the meters stays;
+// on failure the meters are unchanged.
+// Status: that of AimhueScreenSetPrimary, with every check made before a
+// meter is touched; its messages name "AimhueScreenTakePrimary".
+AIMHUE_EXPORT int AimhueScreenTakePrimary(AimhueScreen screen, uint32_t colour,
+                                          aimhue::LedMeter* const* triple);
+
 // The screen's size in LEDs: rows and columns of its planes.
 // Status: 1 for a null pointer; 12 while no primary is set (outputs
 // unchanged).
 AIMHUE_EXPORT int AimhueScreenSize(AimhueScreen screen, int32_t* rows, int32_t* cols);
+
+// Read-only access to the planes of one primary on the screen, so that a
+// host can show or check the combined measurement (a chromaticity plot, a
+// plausibility check) without combining the meters a second time.
+struct AimhueScreenPlanes {
+  const float* L;  // luminance: the Y meter's values
+  const float* x;  // chromaticity x = X / (X + Y + Z), in 32-bit floats
+  const float* y;  // chromaticity y = Y / (X + Y + Z)
+  int32_t rows;    // each plane holds rows x cols floats, row after row,
+  int32_t cols;    // with no gap between rows
+};
+
+// Fills *out with the planes of `colour` (kRed, kGreen or kBlue). A dead
+// LED (X = Y = Z = 0) has L = 0 and x = y = NaN (0 / 0). The pointers stay
+// valid, and the planes unchanged, until that colour is set again or the
+// screen is destroyed; they must not be written through.
+// Status: 1 for a null screen or `out`; 9 when `colour` is not a primary;
+// 12 when that primary is not set (*out unchanged).
+AIMHUE_EXPORT int AimhueGetScreenPlanes(AimhueScreen screen, uint32_t colour,
+                                        AimhueScreenPlanes* out);
 
 // The functions below need all three primaries: while any is missing they
 // return 12 ("<Function>--Error :: the screen has no <colour> primary").

@@ -22,6 +22,16 @@ void CopyBlock(const TargetBlock& block, TargetLxy (&out)[kCount]) {
   std::memcpy(out, block.data(), sizeof out);
 }
 
+// 9 with one error line unless the coverage fraction of all three targets
+// is a number in [0, 1]: a limit or a verdict from anything else would
+// pass screens that no count measured.
+int CheckCoverage(const char* who, const Coverage& coverage) {
+  if (coverage.all >= 0.0f && coverage.all <= 1.0f) return kOk;
+  PlumeLogError("%s--Error :: coverage of all three targets %g is not in [0, 1]", who,
+                static_cast<double>(coverage.all));
+  return kOutOfRange;
+}
+
 }  // namespace
 }  // namespace aimhue
 
@@ -111,6 +121,22 @@ int AimhueSetTargets(AimhueHandle handle, const float* targets) {
     block[point] = value;
   }
   handle->target = block;
+  return aimhue::kOk;
+}
+
+int AimhueSetNGLimitFromCoverage(AimhueHandle handle, const aimhue::Coverage* coverage) {
+  if (handle == nullptr || coverage == nullptr) return aimhue::kNullInput;
+  const int status = aimhue::CheckCoverage("AimhueSetNGLimitFromCoverage", *coverage);
+  if (status != aimhue::kOk) return status;
+  handle->SetNGLimit(*coverage);
+  return aimhue::kOk;
+}
+
+int AimhueJudgeCoverage(AimhueHandle handle, const aimhue::Coverage* coverage, bool* out_ng) {
+  if (handle == nullptr || coverage == nullptr || out_ng == nullptr) return aimhue::kNullInput;
+  const int status = aimhue::CheckCoverage("AimhueJudgeCoverage", *coverage);
+  if (status != aimhue::kOk) return status;
+  *out_ng = handle->IsNG(*coverage);
   return aimhue::kOk;
 }
 

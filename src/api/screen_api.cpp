@@ -14,7 +14,6 @@
 #include "api/screen.h"
 #include "common/exception_guard.h"
 #include "engine/aimhue.h"
-#include "engine/coverage_misses.h"
 #include "engine/percent_of_target.h"
 
 namespace aimhue {
@@ -44,14 +43,38 @@ bool TripleColour(const LedMeter* const* triple, uint32_t& colour) {
   return false;
 }
 
-// The screen keeps its own planes: x and y are new, L is the Y meter's
-// plane, copied so that the meter may be freed or changed afterwards.
-int CombineOwned(const LedMeter* const* triple, ChromaLxy& out) {
-  ChromaLxy combined;
-  const int status = ChromaLxy::Combine(combined, triple[0], triple[1], triple[2]);
-  if (status != kOk) return status;
-  combined.L = combined.L.clone();
-  out = combined;
+// 9 with one error line when the triple carries another colour code than
+// `colour`, or when its planes' size differs from that of another primary
+// already on the screen.
+int CheckFits(const char* who, const Screen& screen, int primary, uint32_t colour,
+              const LedMeter* const* triple, cv::Size size) {
+  uint32_t carried = 0;
+  if (TripleColour(triple, carried) && carried != colour) {
+    PlumeLogError("%s--Error :: meters of colour %u given as colour %u", who, carried, colour);
+    return kOutOfRange;
+  }
+  for (int other = 0; other < kPrimaryCount; ++other) {
+    if (other == primary || !screen.Has(other)) continue;
+    const cv::Size held = screen.primaries[other].L.size();
+    if (size != held) {
+      PlumeLogError("%s--Error :: planes of %d x %d on a screen of %d x %d", who, size.height,
+                    size.width, held.height, held.width);
+      return kOutOfRange;
+    }
+  }
+  return kOk;
+}
+
+// 1 for a null screen or triple; 9 with one error line for a colour that is
+// not a primary; otherwise 0 with the primary's index.
+int PrimaryOf(const char* who, AimhueScreen screen, uint32_t colour, const void* triple,
+              int& primary) {
+  if (screen == nullptr || triple == nullptr) return kNullInput;
+  primary = PrimaryIndex(colour);
+  if (primary < 0) {
+    PlumeLogError("%s--Error :: colour %u is not a primary", who, colour);
+    return kOutOfRange;
+  }
   return kOk;
 }
 
@@ -83,32 +106,36 @@ void AimhueDestroyScreen(AimhueScreen screen) {
 int AimhueScreenSetPrimary(AimhueScreen screen, uint32_t colour,
                            const aimhue::LedMeter* const* triple) {
   constexpr char kWho[] = "AimhueScreenSetPrimary";
-  if (screen == nullptr || triple == nullptr) return kNullInput;
-  const int primary = aimhue::PrimaryIndex(colour);
-  if (primary < 0) {
-    PlumeLogError("%s--Error :: colour %u is not a primary", kWho, colour);
-    return kOutOfRange;
-  }
+  int primary = -1;
+  const int status = aimhue::PrimaryOf(kWho, screen, colour, triple, primary);
+  if (status != kOk) return status;
   return GuardExceptions(kWho, [&] {
     aimhue::ChromaLxy combined;
-    int status = aimhue::CombineOwned(triple, combined);
-    if (status != kOk) return status;
-    uint32_t carried = 0;
-    if (aimhue::TripleColour(triple, carried) && carried != colour) {
-      PlumeLogError("%s--Error :: meters of colour %u given as colour %u", kWho, carried, colour);
-      return static_cast<int>(kOutOfRange);
+    int checked = aimhue::ChromaLxy::CombineOwned(combined, triple[0], triple[1], triple[2]);
+    if (checked == kOk) {
+      checked = aimhue::CheckFits(kWho, *screen, primary, colour, triple, combined.L.size());
     }
-    for (int other = 0; other < aimhue::kPrimaryCount; ++other) {
-      if (other == primary || !screen->Has(other)) continue;
-      const cv::Size size = screen->primaries[other].L.size();
-      if (combined.L.size() != size) {
-        PlumeLogError("%s--Error :: planes of %d x %d on a screen of %d x %d", kWho,
-                      combined.L.rows, combined.L.cols, size.height, size.width);
-        return static_cast<int>(kOutOfRange);
-      }
+    if (checked == kOk) screen->primaries[primary] = combined;
+    return checked;
+  });
+}
+
+int AimhueScreenTakePrimary(AimhueScreen screen, uint32_t colour, aimhue::LedMeter* const* triple) {
+  constexpr char kWho[] = "AimhueScreenTakePrimary";
+  int primary = -1;
+  const int status = aimhue::PrimaryOf(kWho, screen, colour, triple, primary);
+  if (status != kOk) return status;
+  return GuardExceptions(kWho, [&] {
+    // Every check before the meters are touched: a refusal leaves them whole.
+    int checked = aimhue::ChromaLxy::Check("ChromaLxy::Combine", triple[0], triple[1], triple[2]);
+    if (checked == kOk) {
+      checked = aimhue::CheckFits(kWho, *screen, primary, colour, triple, triple[1]->chroma.size());
     }
-    screen->primaries[primary] = combined;
-    return static_cast<int>(kOk);
+    if (checked != kOk) return checked;
+    aimhue::ChromaLxy combined;
+    checked = aimhue::ChromaLxy::CombineTaking(combined, triple[0], triple[1], triple[2]);
+    if (checked == kOk) screen->primaries[primary] = combined;
+    return checked;
   });
 }
 
@@ -121,6 +148,26 @@ int AimhueScreenSize(AimhueScreen screen, int32_t* rows, int32_t* cols) {
     return kOk;
   }
   return aimhue::kEmptyPlane;
+}
+
+int AimhueGetScreenPlanes(AimhueScreen screen, uint32_t colour, AimhueScreenPlanes* out) {
+  constexpr char kWho[] = "AimhueGetScreenPlanes";
+  if (screen == nullptr || out == nullptr) return kNullInput;
+  const int primary = aimhue::PrimaryIndex(colour);
+  if (primary < 0) {
+    PlumeLogError("%s--Error :: colour %u is not a primary", kWho, colour);
+    return kOutOfRange;
+  }
+  if (!screen->Has(primary)) {
+    PlumeLogError("%s--Error :: the screen has no %s primary", kWho,
+                  aimhue::kPrimaryNames[primary]);
+    return aimhue::kEmptyPlane;
+  }
+  // The screen's planes are its own continuous ones (CombineOwned).
+  const aimhue::ChromaLxy& set = screen->primaries[primary];
+  *out = AimhueScreenPlanes{set.L.ptr<float>(), set.x.ptr<float>(), set.y.ptr<float>(),
+                            set.L.rows, set.L.cols};
+  return kOk;
 }
 
 int AimhueSearchScreen(AimhueHandle handle, AimhueScreen screen) {
@@ -180,13 +227,11 @@ int AimhueCalcScreenCoverage(AimhueScreen screen, const float* targets, const Ai
                     static_cast<unsigned long long>(leds));
       return static_cast<int>(aimhue::kBufferTooSmall);
     }
+    // One pass counts the coverage and writes the miss plane.
     aimhue::Coverage coverage{};
-    status = aimhue::PercentOfTarget(&sets[0], &sets[1], &sets[2], targets, coverage, maskPlane);
+    status = aimhue::PercentOfTarget(&sets[0], &sets[1], &sets[2], targets, coverage, maskPlane,
+                                     out_misses);
     if (status != kOk) return status;
-    if (out_misses != nullptr) {
-      status = aimhue::CoverageMisses(&sets[0], &sets[1], &sets[2], targets, maskPlane, out_misses);
-      if (status != kOk) return status;
-    }
     if (out_coverage != nullptr) *out_coverage = coverage;
     return static_cast<int>(kOk);
   });

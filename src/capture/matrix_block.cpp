@@ -5,6 +5,8 @@
 #include <cstring>
 #include <vector>
 
+#include "common/float_plane.h"
+
 namespace aimhue {
 namespace {
 
@@ -116,7 +118,7 @@ bool ReadMatrixBlock(ByteReader& in, cv::Mat& mat) {
   // The matrix is allocated once at its final size and the planes are read
   // into it: a single channel straight into place, several a run at a time
   // through a small buffer into their interleaved places.
-  cv::Mat loaded(rows, cols, CV_MAKETYPE(depth, channels));
+  cv::Mat loaded = NewPlane(rows, cols, CV_MAKETYPE(depth, channels));
   if (channels == 1) {
     if (!in.ReadBytes(loaded.data, static_cast<size_t>(samplesPerPlane) * SampleSize(depth))) {
       return false;

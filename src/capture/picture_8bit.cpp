@@ -1,9 +1,10 @@
 // The 8-bit picture conversion and writer shared by Shot and LedMeter.
 #include "capture/picture_8bit.h"
 
+#include <aimhue/picture_files.h>
+
 #include <cmath>
 
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 namespace aimhue {
@@ -49,11 +50,7 @@ double SensorMaximum(int cam_type) {
 }
 
 bool WritePicture(const std::string& fullname, const cv::Mat& picture) {
-  try {
-    return cv::imwrite(fullname, picture);
-  } catch (const cv::Exception&) {
-    return false;
-  }
+  return WritePictureFile(fullname, picture);
 }
 
 }  // namespace aimhue

@@ -24,8 +24,8 @@ cv::Mat ConvertTo8Bit(const cv::Mat& image, double maximum, PictureMode mode);
 // digits give no positive depth.
 double SensorMaximum(int cam_type);
 
-// Writes `picture` with OpenCV's imwrite; false when the write is refused,
-// including an extension that no encoder knows.
+// Writes `picture` with WritePictureFile (OpenCV's imwrite); false when the
+// write is refused, including an extension that no encoder knows.
 bool WritePicture(const std::string& fullname, const cv::Mat& picture);
 
 }  // namespace aimhue

@@ -139,6 +139,24 @@ int Shot::SetImageSingle(const cv::Mat& in_image, uint32_t in_type) {
   });
 }
 
+namespace {
+
+// The channel of the demosaiced image that a single camera type keeps:
+// CAM_R, CAM_G and CAM_B take channels 0, 1 and 2 in the order the caller's
+// conversion code gives them.
+int CameraChannel(uint32_t type) {
+  switch (type) {
+    case CAM_R:
+      return 0;
+    case CAM_G:
+      return 1;
+    default:
+      return 2;  // CAM_B
+  }
+}
+
+}  // namespace
+
 int Shot::SetImageColor(const cv::Mat& raw, int bayer_type, uint32_t in_type) {
   PlumeLogInfo("Shot::SetImageColor");
   return GuardExceptions("Shot::SetImageColor", [&]() -> int {
@@ -167,10 +185,13 @@ int Shot::SetImageColor(const cv::Mat& raw, int bayer_type, uint32_t in_type) {
       PlumeLogError("Shot::SetImageColor--Error :: in_bayer_type");
       return kOutOfRange;
     }
-    std::vector<cv::Mat> entries;
-    cv::split(color_image, entries);
-    entries.push_back(color_image);
-    image = entries[in_type / 32].clone();
+    cv::Mat selected;
+    if (in_type == CAM_RGB) {
+      selected = color_image;
+    } else {
+      cv::extractChannel(color_image, selected, CameraChannel(in_type));
+    }
+    image = selected;
     type = in_type;
     return kOk;
   });

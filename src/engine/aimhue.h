@@ -95,6 +95,12 @@ struct Aimhue {
   bool JudgeNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
                Coverage* measured = nullptr);
 
+  // The two rules above applied to a coverage measured elsewhere (the same
+  // count of the same target block): ngLimit becomes coverage.all minus
+  // ngThresh; the verdict is ngLimit > coverage.all.
+  void SetNGLimit(const Coverage& coverage);
+  bool IsNG(const Coverage& coverage) const;
+
   // Moves the red, green and blue entries of `target` along the lines of
   // `lines` (3 x 2 CV_32F, rows red, green, blue, each (a, b); red and blue
   // move along y = a*k*x + b, green along x = (y - b)/(a*k), k from

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "common/exception_guard.h"
+#include "common/float_plane.h"
 #include "engine/correction_led.h"
 
 namespace aimhue {
@@ -336,11 +337,11 @@ int Compute(const TargetLxy targets[4], const MeterGrid& grid, const CorrectionS
   const cv::Size size = grid.meters[0]->chroma.size();
   Correction result;
   result.settings = settings;
-  result.flags.create(size, CV_8UC1);
-  result.coeff.create(size, CV_32FC(kCoeffChannels));
-  result.gain.create(size, CV_32FC1);
-  result.deltaEBefore.create(size, CV_32FC(kDeltaEChannels));
-  result.deltaEAfter.create(size, CV_32FC(kDeltaEChannels));
+  result.flags = NewPlane(size.height, size.width, CV_8UC1);
+  result.coeff = NewPlane(size.height, size.width, CV_32FC(kCoeffChannels));
+  result.gain = NewPlane(size.height, size.width, CV_32FC1);
+  result.deltaEBefore = NewPlane(size.height, size.width, CV_32FC(kDeltaEChannels));
+  result.deltaEAfter = NewPlane(size.height, size.width, CV_32FC(kDeltaEChannels));
 
   PassSettings pass;
   pass.t = TargetMatrix(targets);

@@ -12,7 +12,7 @@ int Aimhue::CalcPercentNG(const ChromaLxy* red, const ChromaLxy* green, const Ch
   Coverage coverage;
   const int status = PercentOfTarget(red, green, blue, TargetFloats(target), coverage, cv::Mat());
   if (status != kOk) return status;
-  ngLimit = coverage.all - ngThresh;
+  SetNGLimit(coverage);
   if (measured != nullptr) *measured = coverage;
   return kOk;
 }
@@ -24,7 +24,11 @@ bool Aimhue::JudgeNG(const ChromaLxy* red, const ChromaLxy* green, const ChromaL
   // Without a count there is nothing to judge: fail the screen.
   if (status != kOk) return true;
   if (measured != nullptr) *measured = coverage;
-  return ngLimit > coverage.all;
+  return IsNG(coverage);
 }
+
+void Aimhue::SetNGLimit(const Coverage& coverage) { ngLimit = coverage.all - ngThresh; }
+
+bool Aimhue::IsNG(const Coverage& coverage) const { return ngLimit > coverage.all; }
 
 }  // namespace aimhue

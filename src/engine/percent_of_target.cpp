@@ -28,6 +28,7 @@ struct CountInputs {
   const ChromaLxy* green;
   const ChromaLxy* blue;
   const cv::Mat* mask;  // null when every LED counts
+  uint8_t* misses;      // null when no miss plane is wanted; else rows x cols bytes
 };
 
 struct CountTotals {
@@ -47,7 +48,14 @@ struct RowPlanes {
   const float* bx;
   const float* by;
   const uint8_t* keep;  // null when every LED counts
+  uint8_t* miss;        // null when no miss plane is wanted
 };
+
+// The Colour bits of the targets an LED does not reach (each flag 0 or 1).
+AIMHUE_ALWAYS_INLINE int32_t MissBits(int32_t red, int32_t green, int32_t blue) {
+  return ((red ^ 1) * int32_t{kRed}) | ((green ^ 1) * int32_t{kGreen}) |
+         ((blue ^ 1) * int32_t{kBlue});
+}
 
 // LEDs per quick pass: the unsure flags of one stretch live on the stack.
 constexpr int kStretch = 256;
@@ -57,8 +65,10 @@ constexpr int kStretch = 256;
 // full test on each LED it left unsure (on real screens a rare LED whose
 // edge nearly touches a target, or a degenerate one). The quick loop has
 // no branch (a masked-out LED is computed and then not counted), so that
-// the compiler turns it into vector code, many LEDs per instruction.
-template <bool kMasked>
+// the compiler turns it into vector code, many LEDs per instruction. With
+// kMisses each LED's byte of the miss plane gets the Colour bits of the
+// targets it does not reach (0 for a masked-out LED), by the same decisions.
+template <bool kMasked, bool kMisses>
 AIMHUE_ALWAYS_INLINE void CountStretch(const RowPlanes& row, int begin, int end,
                                        const Chromaticity (&target)[kPrimaryCount], CountTotals& totals) {
   int32_t unsure[kStretch];
@@ -86,6 +96,9 @@ AIMHUE_ALWAYS_INLINE void CountStretch(const RowPlanes& row, int begin, int end,
     inBlue += reachBlue & decided;
     inAll += reachRed & reachGreen & reachBlue & decided;
     excluded += 1 - counted;
+    if (kMisses) {
+      row.miss[col] = static_cast<uint8_t>(counted * MissBits(reachRed, reachGreen, reachBlue));
+    }
     unsure[i] = counted & (decided ^ 1);
     open += unsure[i];
   }
@@ -102,6 +115,9 @@ AIMHUE_ALWAYS_INLINE void CountStretch(const RowPlanes& row, int begin, int end,
     inGreen += reachGreen;
     inBlue += reachBlue;
     inAll += reachRed && reachGreen && reachBlue;
+    if (kMisses) {
+      row.miss[col] = static_cast<uint8_t>(MissBits(reachRed, reachGreen, reachBlue));
+    }
   }
   totals.red += inRed;
   totals.green += inGreen;
@@ -111,7 +127,7 @@ AIMHUE_ALWAYS_INLINE void CountStretch(const RowPlanes& row, int begin, int end,
 }
 
 // Every LED once, row by row, in stretches.
-template <bool kMasked>
+template <bool kMasked, bool kMisses>
 AIMHUE_ALWAYS_INLINE void CountPanel(const CountInputs& in, const float* targets, CountTotals& totals) {
   Chromaticity target[kPrimaryCount];
   for (int primary = 0; primary < kPrimaryCount; ++primary) {
@@ -124,18 +140,26 @@ AIMHUE_ALWAYS_INLINE void CountPanel(const CountInputs& in, const float* targets
     const RowPlanes row{in.red->x.ptr<float>(r),   in.red->y.ptr<float>(r),
                         in.green->x.ptr<float>(r), in.green->y.ptr<float>(r),
                         in.blue->x.ptr<float>(r),  in.blue->y.ptr<float>(r),
-                        kMasked ? in.mask->ptr<uint8_t>(r) : nullptr};
+                        kMasked ? in.mask->ptr<uint8_t>(r) : nullptr,
+                        kMisses ? in.misses + static_cast<size_t>(r) * static_cast<size_t>(cols)
+                                : nullptr};
     for (int begin = 0; begin < cols; begin += kStretch) {
-      CountStretch<kMasked>(row, begin, std::min(cols, begin + kStretch), target, totals);
+      CountStretch<kMasked, kMisses>(row, begin, std::min(cols, begin + kStretch), target, totals);
     }
   }
 }
 
 AIMHUE_ALWAYS_INLINE void CountAny(const CountInputs& in, const float* targets, CountTotals& totals) {
-  if (in.mask != nullptr) {
-    CountPanel<true>(in, targets, totals);
+  if (in.misses != nullptr) {
+    if (in.mask != nullptr) {
+      CountPanel<true, true>(in, targets, totals);
+    } else {
+      CountPanel<false, true>(in, targets, totals);
+    }
+  } else if (in.mask != nullptr) {
+    CountPanel<true, false>(in, targets, totals);
   } else {
-    CountPanel<false>(in, targets, totals);
+    CountPanel<false, false>(in, targets, totals);
   }
 }
 
@@ -197,7 +221,7 @@ CountKernel WidestCountKernel() {
 
 int PercentOfTargetOn(CountKernel kernel, const ChromaLxy* red, const ChromaLxy* green,
                       const ChromaLxy* blue, const float* targets, Coverage& out,
-                      const cv::Mat& mask) {
+                      const cv::Mat& mask, uint8_t* misses) {
   if (red == nullptr || blue == nullptr || green == nullptr || targets == nullptr) {
     return kNullInput;
   }
@@ -206,7 +230,7 @@ int PercentOfTargetOn(CountKernel kernel, const ChromaLxy* red, const ChromaLxy*
   if (!CountKernelAvailable(kernel)) kernel = CountKernel::kPortable;
 
   // An absent mask counts every LED; no all-255 matrix is needed for that.
-  const CountInputs in{red, green, blue, mask.empty() ? nullptr : &mask};
+  const CountInputs in{red, green, blue, mask.empty() ? nullptr : &mask, misses};
   CountTotals totals;
   switch (kernel) {
 #if AIMHUE_X86_KERNELS
@@ -227,8 +251,8 @@ int PercentOfTargetOn(CountKernel kernel, const ChromaLxy* red, const ChromaLxy*
 }
 
 int PercentOfTarget(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
-                    const float* targets, Coverage& out, const cv::Mat& mask) {
-  return PercentOfTargetOn(WidestCountKernel(), red, green, blue, targets, out, mask);
+                    const float* targets, Coverage& out, const cv::Mat& mask, uint8_t* misses) {
+  return PercentOfTargetOn(WidestCountKernel(), red, green, blue, targets, out, mask, misses);
 }
 
 }  // namespace aimhue

@@ -50,8 +50,16 @@ bool InGamut(Chromaticity p0, Chromaticity p1, Chromaticity p2, Chromaticity q);
 // once and nothing is allocated: a 32-bit quick test (quick_gamut.h)
 // decides nearly every LED, and InGamut's own test settles those it leaves
 // unsure, so the counts are exactly those of InGamut on every LED.
+//
+// `misses`, when not null, must have room for rows x cols bytes (those of
+// the red L plane); the same pass writes, row by row, one byte per LED: the
+// Colour bits (kRed, kGreen, kBlue) of the targets whose triangle the LED's
+// gamut does not hold by the rule of the count, 0 for an LED the mask
+// leaves out. Over the counted LEDs, the share without kRed is then the red
+// fraction, and so on. Nothing is written to it when the status is not 0.
 int PercentOfTarget(const ChromaLxy* red, const ChromaLxy* green, const ChromaLxy* blue,
-                    const float* targets, Coverage& out, const cv::Mat& mask);
+                    const float* targets, Coverage& out, const cv::Mat& mask,
+                    uint8_t* misses = nullptr);
 
 // The instruction sets the count is compiled for. PercentOfTarget runs on
 // the widest one the processor offers; every one gives bit-identical
@@ -69,7 +77,7 @@ CountKernel WidestCountKernel();
 // available), so that each can be checked against the others.
 int PercentOfTargetOn(CountKernel kernel, const ChromaLxy* red, const ChromaLxy* green,
                       const ChromaLxy* blue, const float* targets, Coverage& out,
-                      const cv::Mat& mask);
+                      const cv::Mat& mask, uint8_t* misses = nullptr);
 
 }  // namespace aimhue
 

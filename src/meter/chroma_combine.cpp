@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -97,6 +98,38 @@ void ChromaticityRow(const float* __restrict X, const float* __restrict Y,
   for (; i < count; ++i) ChromaticityOfLed<kHasZ>(X, Y, Z, x, y, i);
 }
 
+// The chromaticity of `count` LEDs written over their own X and Z values:
+// x over X, y over Z, by the operations of ChromaticityOfLed. Each LED's
+// three values are read before its two results are written, so the
+// overlap changes nothing but where the results go.
+void ChromaticityRowInPlace(float* X_then_x, const float* Y, float* Z_then_y,
+                            std::ptrdiff_t count) {
+  std::ptrdiff_t i = 0;
+#if defined(__SSE2__)
+  for (; i + 4 <= count; i += 4) {
+    const __m128 vx = _mm_loadu_ps(X_then_x + i);
+    const __m128 vy = _mm_loadu_ps(Y + i);
+    const __m128 vz = _mm_loadu_ps(Z_then_y + i);
+    const __m128 sum = _mm_add_ps(_mm_add_ps(vx, vy), vz);
+    _mm_storeu_ps(X_then_x + i, _mm_div_ps(vx, sum));
+    _mm_storeu_ps(Z_then_y + i, _mm_div_ps(vy, sum));
+  }
+#endif
+  for (; i < count; ++i) {
+    const float sum = (X_then_x[i] + Y[i]) + Z_then_y[i];
+    const float x = X_then_x[i] / sum;
+    const float y = Y[i] / sum;
+    X_then_x[i] = x;
+    Z_then_y[i] = y;
+  }
+}
+
+// Whether the meter alone holds `plane` (no other matrix shares its data)
+// and its rows follow one another: then it may be written over and kept.
+bool SolelyHeld(const cv::Mat& plane) {
+  return plane.u != nullptr && plane.u->refcount == 1 && plane.isContinuous();
+}
+
 // Fills the new planes x and y from X, Y and Z (Z empty: zero). All planes
 // have the same rows and columns; any of the inputs may be a view with
 // gaps between its rows.
@@ -133,6 +166,57 @@ int ChromaLxy::Combine(ChromaLxy& out, const LedMeter* meter_x, const LedMeter* 
   out.L = Y;
   out.x = x;
   out.y = y;
+  return kOk;
+}
+
+int ChromaLxy::Check(const char* name, const LedMeter* meter_x, const LedMeter* meter_y,
+                     const LedMeter* meter_z) {
+  cv::Mat X, Y, Z;
+  return SelectPlanes(name, meter_x, meter_y, meter_z, X, Y, Z);
+}
+
+int ChromaLxy::CombineOwned(ChromaLxy& out, const LedMeter* meter_x, const LedMeter* meter_y,
+                            const LedMeter* meter_z) {
+  ChromaLxy combined;
+  const int status = Combine(combined, meter_x, meter_y, meter_z);
+  if (status != kOk) return status;
+  cv::Mat L = NewFloatPlane(combined.L.rows, combined.L.cols);
+  combined.L.copyTo(L);
+  combined.L = L;
+  out = combined;
+  return kOk;
+}
+
+int ChromaLxy::CombineTaking(ChromaLxy& out, LedMeter* meter_x, LedMeter* meter_y,
+                             LedMeter* meter_z) {
+  const bool inPlace = meter_x != nullptr && meter_y != nullptr && meter_z != nullptr &&
+                       SolelyHeld(meter_x->chroma) && SolelyHeld(meter_y->chroma) &&
+                       SolelyHeld(meter_z->chroma);
+  if (!inPlace) {
+    const int status = CombineOwned(out, meter_x, meter_y, meter_z);
+    if (status != kOk) return status;
+    for (LedMeter* meter : {meter_x, meter_y, meter_z}) {
+      if (meter != nullptr) meter->chroma = cv::Mat();
+    }
+    return kOk;
+  }
+  PlumeLogInfo("ChromaLxy::Combine");
+  {
+    cv::Mat X, Y, Z;
+    const int status = SelectPlanes("ChromaLxy::Combine", meter_x, meter_y, meter_z, X, Y, Z);
+    if (status != kOk) return status;
+  }
+  cv::Mat X = std::move(meter_x->chroma);
+  cv::Mat Y = std::move(meter_y->chroma);
+  cv::Mat Z = std::move(meter_z->chroma);
+  meter_x->chroma = cv::Mat();
+  meter_y->chroma = cv::Mat();
+  meter_z->chroma = cv::Mat();
+  ChromaticityRowInPlace(X.ptr<float>(), Y.ptr<float>(), Z.ptr<float>(),
+                         static_cast<std::ptrdiff_t>(X.total()));
+  out.L = Y;
+  out.x = X;
+  out.y = Z;
   return kOk;
 }
 

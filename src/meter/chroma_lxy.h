@@ -38,6 +38,25 @@ struct ChromaLxy {
   // unchanged on any failure.
   static int Combine(ChromaLxy& out, const LedMeter* meter_x, const LedMeter* meter_y,
                      const LedMeter* meter_z);
+
+  // Combine's checks alone, their log lines under `name`.
+  static int Check(const char* name, const LedMeter* meter_x, const LedMeter* meter_y,
+                   const LedMeter* meter_z);
+
+  // Combine into planes of the set's own: L is a copy of the Y plane, so
+  // that the meters may change or go afterwards.
+  static int CombineOwned(ChromaLxy& out, const LedMeter* meter_x, const LedMeter* meter_y,
+                          const LedMeter* meter_z);
+
+  // Combine taking the meters' value planes over: when each of the three
+  // meters alone holds its continuous chroma plane, x and y are written
+  // over the X and Z planes and the Y plane becomes L, with nothing
+  // allocated; otherwise (a plane shared with another matrix, rows with
+  // gaps, no Z meter) the result is CombineOwned's. The results are the
+  // same bits either way. On success the three meters' chroma planes are
+  // empty; on failure the meters are unchanged.
+  static int CombineTaking(ChromaLxy& out, LedMeter* meter_x, LedMeter* meter_y,
+                           LedMeter* meter_z);
 };
 
 // The three tristimulus planes X, Y, Z of one primary, all shared with the

@@ -8,13 +8,13 @@
 #ifndef AIMHUE_SRC_METER_DEAD_LED_REPAIR_H_
 #define AIMHUE_SRC_METER_DEAD_LED_REPAIR_H_
 
+#include <aimhue/dead_leds.h>
+
 #include <cstdint>
 
 #include <opencv2/core.hpp>
 
 namespace aimhue {
-
-constexpr uint8_t kDeadLedBit = 0x1;
 
 // `state` is CV_8UC1 and `values` CV_32FC1 of the same size (the caller
 // checks). Returns the number of LEDs repaired.

@@ -16,6 +16,7 @@ expected=(
   AimhueGetResults AimhueSetTargets
   AimhueCreateScreen AimhueDestroyScreen AimhueScreenSetPrimary AimhueScreenSize
   AimhueSearchScreen AimhueCalcPercentNGScreen AimhueJudgeNGScreen AimhueCalcScreenCoverage
+  AimhueSetNGLimitFromCoverage AimhueJudgeCoverage AimhueGetScreenPlanes AimhueScreenTakePrimary
 )
 missing=0
 for name in "${expected[@]}"; do

@@ -118,6 +118,26 @@ TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
   EXPECT_TRUE(SameBits(judged, ngCoverage));
   ASSERT_EQ(AimhueJudgeNGScreen(viaScreen_, screen_, &ngScreen, nullptr), kOk);
 
+  // The NG rules on a coverage counted once: the limit and the verdict of
+  // the functions that count for themselves, and no rule on a NaN.
+  AimhueHandle reused = nullptr;
+  ASSERT_EQ(AimhueCreateHandle(&reused), kOk);
+  ASSERT_EQ(AimhueSetNGThresh(reused, 0.25f), kOk);
+  ASSERT_EQ(AimhueSetNGLimitFromCoverage(reused, &ngCoverage), kOk);
+  EXPECT_TRUE(SameBits(Results(reused).ngLimit, Results(viaMeters_).ngLimit));
+  bool ngReused = true;
+  ASSERT_EQ(AimhueJudgeCoverage(reused, &ngCoverage, &ngReused), kOk);
+  EXPECT_EQ(ngReused, ngMeters);
+  const float nan = std::nanf("");
+  const Coverage noLeds{nan, nan, nan, nan};
+  LogCapture log;
+  EXPECT_EQ(AimhueSetNGLimitFromCoverage(reused, &noLeds), kOutOfRange);
+  EXPECT_EQ(AimhueJudgeCoverage(reused, &noLeds, &ngReused), kOutOfRange);
+  EXPECT_EQ(log.Errors().size(), 2u);
+  EXPECT_TRUE(SameBits(Results(reused).ngLimit, Results(viaMeters_).ngLimit));
+  EXPECT_FALSE(ngReused);
+  AimhueDestroyHandle(reused);
+
   // A caller's block under a mask, with the miss plane asked for or not.
   std::vector<uint8_t> pixels(48 * 64);
   for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<uint8_t>(i % 3);
@@ -131,6 +151,46 @@ TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
   ASSERT_EQ(AimhueCalcScreenCoverage(screen_, targets, &mask, &masked, misses.data(),
                                      misses.size()), kOk);
   EXPECT_EQ(std::memcmp(&masked, counted, sizeof counted), 0);
+}
+
+// Taking the meters' planes gives the planes copying gives, bit for bit,
+// whether they are written over in place or, when another matrix shares
+// one, copied; a refused take leaves the meters whole.
+TEST_F(ScreenApi, TakingThePlanesGivesTheSameScreenAndEmptiesTheMeters) {
+  SetAllPrimaries();
+  synthetic::ScreenMeters taken;
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
+    for (int axis = 0; axis < 3; ++axis) {
+      ASSERT_EQ(meters_[primary][axis].CopyTo(taken[primary][axis]), kOk);
+    }
+  }
+  const cv::Mat sharedGreenY = taken[1][1].chroma;  // a plane the host keeps seeing
+  const cv::Mat greenYBefore = sharedGreenY.clone();
+  AimhueScreen second = nullptr;
+  ASSERT_EQ(AimhueCreateScreen(&second), kOk);
+  LedMeter* const wrong[3] = {&taken[0][0], &taken[0][1], &taken[0][2]};
+  LogCapture log;
+  EXPECT_EQ(AimhueScreenTakePrimary(second, kGreen, wrong), kOutOfRange);
+  EXPECT_EQ(log.Errors(), Lines{"AimhueScreenTakePrimary--Error :: meters of colour 1 given as colour 2"});
+  EXPECT_FALSE(taken[0][0].chroma.empty());
+  for (int primary = 0; primary < kPrimaryCount; ++primary) {
+    LedMeter* const triple[3] = {&taken[primary][0], &taken[primary][1], &taken[primary][2]};
+    ASSERT_EQ(AimhueScreenTakePrimary(second, ColourOfPrimary(primary), triple), kOk);
+    for (const LedMeter& meter : taken[primary]) EXPECT_TRUE(meter.chroma.empty());
+    AimhueScreenPlanes copied{};
+    AimhueScreenPlanes took{};
+    ASSERT_EQ(AimhueGetScreenPlanes(screen_, ColourOfPrimary(primary), &copied), kOk);
+    ASSERT_EQ(AimhueGetScreenPlanes(second, ColourOfPrimary(primary), &took), kOk);
+    const size_t bytes = sizeof(float) * 48 * 64;
+    EXPECT_EQ(std::memcmp(copied.L, took.L, bytes), 0) << primary;
+    EXPECT_EQ(std::memcmp(copied.x, took.x, bytes), 0) << primary;
+    EXPECT_EQ(std::memcmp(copied.y, took.y, bytes), 0) << primary;
+  }
+  EXPECT_EQ(cv::norm(sharedGreenY, greenYBefore, cv::NORM_INF), 0.0);  // copied, not written over
+  AimhueScreenPlanes green{};
+  ASSERT_EQ(AimhueGetScreenPlanes(second, kGreen, &green), kOk);
+  EXPECT_NE(green.L, sharedGreenY.ptr<float>());
+  AimhueDestroyScreen(second);
 }
 
 // The miss plane is the coverage count LED by LED: over the counted LEDs the
@@ -148,6 +208,20 @@ TEST_F(ScreenApi, MissPlaneAgreesWithTheCoverageFractions) {
   ASSERT_EQ(AimhueScreenSize(screen_, &rows, &cols), kOk);
   ASSERT_EQ(rows, 48);
   ASSERT_EQ(cols, 64);
+  // The green planes as combined: L is Y, x and y are X and Y over the sum,
+  // and the dead LED has L = 0 and no chromaticity.
+  AimhueScreenPlanes green{};
+  ASSERT_EQ(AimhueGetScreenPlanes(screen_, kGreen, &green), kOk);
+  ASSERT_EQ(green.rows * green.cols, rows * cols);
+  const int dead = kDeadRow * cols + kDeadCol;
+  EXPECT_EQ(green.L[dead], 0.0f);
+  EXPECT_TRUE(std::isnan(green.x[dead]) && std::isnan(green.y[dead]));
+  const int led = 2 * cols + 3;
+  const float X = meters_[1][0].chroma.at<float>(2, 3), Y = meters_[1][1].chroma.at<float>(2, 3);
+  const float sum = X + Y + meters_[1][2].chroma.at<float>(2, 3);
+  EXPECT_EQ(green.L[led], Y);
+  EXPECT_EQ(green.x[led], X / sum);
+  EXPECT_EQ(green.y[led], Y / sum);
 
   // Targets near the primaries' typical points, so that some LEDs miss each.
   const float targets[12] = {0, 0.690f, 0.300f, 0, 0.170f, 0.720f, 0, 0.135f, 0.050f, 0, 0.3f, 0.3f};
@@ -192,10 +266,15 @@ TEST_F(ScreenApi, RefusalsLeaveTheScreenAndOutputsUnchanged) {
   EXPECT_EQ(log.Errors(), (Lines{"AimhueScreenSetPrimary--Error :: colour 3 is not a primary",
                                  "AimhueScreenSetPrimary--Error :: meters of colour 1 given as "
                                  "colour 2"}));
+  log.Clear();
   int32_t rows = -1;
   int32_t cols = -1;
   EXPECT_EQ(AimhueScreenSize(screen_, &rows, &cols), kEmptyPlane);
   EXPECT_EQ(rows, -1);
+  AimhueScreenPlanes planes{};
+  EXPECT_EQ(AimhueGetScreenPlanes(screen_, kRed, &planes), kEmptyPlane);
+  EXPECT_EQ(AimhueGetScreenPlanes(screen_, kRed | kBlue, &planes), kOutOfRange);
+  EXPECT_EQ(planes.L, nullptr);
 
   // Green and blue only: every computation names the missing primary.
   ASSERT_EQ(AimhueScreenSetPrimary(screen_, kGreen, triples_[1]), kOk);

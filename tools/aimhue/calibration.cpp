@@ -187,24 +187,27 @@ Calibration Calibrate(const MeasuredScreen& measured, const CalibrationSettings&
     CheckStatus(AimhueCalcWhite(handle, settings.scale, &white, settings.uncapped ? 1 : 0),
                 "the white point calculation failed");
   });
-  Timed(timings, "NG limit and coverage", [&] {
-    CheckStatus(AimhueCalcPercentNGScreen(handle, screen, &report.coverage),
-                "the NG limit calculation failed");
+  // One count of the final targets gives the coverage, the LEDs that miss
+  // them, the NG limit and the verdict on this measurement.
+  AimhueResults results = GetResults(handle);
+  Timed(timings, "coverage and misses", [&] {
+    const CoverageCount count = CountCoverageAndMisses(screen, results.targets, measured.size);
+    report.coverage = count.coverage;
+    report.ledsMissingTargets = count.ledsMissingTargets;
   });
-  Timed(timings, "NG judgement", [&] {
+  Timed(timings, "NG limit and judgement", [&] {
+    CheckStatus(AimhueSetNGLimitFromCoverage(handle, &report.coverage),
+                "the NG limit calculation failed");
     bool ng = true;
-    CheckStatus(AimhueJudgeNGScreen(handle, screen, &ng, nullptr), "the NG judgement failed");
+    CheckStatus(AimhueJudgeCoverage(handle, &report.coverage, &ng), "the NG judgement failed");
     report.ng = ng;
   });
-  const AimhueResults results = GetResults(handle);
+  results = GetResults(handle);
   report.targets = ToBlock(results.targets);
   report.searchStart = ToBlock(results.searchStart);
   report.searchEnd = ToBlock(results.searchEnd);
   report.ngLimit = results.ngLimit;
   report.outliers = {results.outliers[0], results.outliers[1], results.outliers[2]};
-  Timed(timings, "misses", [&] {
-    report.ledsMissingTargets = CountLedsMissingTargets(screen, results.targets, measured.size);
-  });
   return calibration;
 }
 

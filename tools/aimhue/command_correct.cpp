@@ -6,7 +6,7 @@
 #include <optional>
 #include <sstream>
 
-#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgcodecs.hpp>  // the codecs' parameter names
 
 #include "command_error.h"
 #include "commands.h"

@@ -1,11 +1,12 @@
 // aimhue judge and aimhue coverage: stored targets against a measurement.
+#include <aimhue/picture_files.h>
 #include <aimhue/api.h>
 
 #include <cmath>
 #include <iostream>
 #include <memory>
 
-#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgcodecs.hpp>  // the read flags
 
 #include "command_error.h"
 #include "commands.h"
@@ -26,12 +27,7 @@ struct JudgeOptions {
 };
 
 cv::Mat ReadMask(const std::string& file) {
-  cv::Mat mask;
-  try {
-    mask = cv::imread(file, cv::IMREAD_UNCHANGED);
-  } catch (const cv::Exception&) {
-    mask = cv::Mat();
-  }
+  const cv::Mat mask = ReadPictureFile(file, cv::IMREAD_UNCHANGED);
   if (mask.empty()) throw CommandError(kExitLibrary, "cannot read the mask image '" + file + "'");
   return mask;
 }

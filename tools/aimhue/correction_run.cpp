@@ -1,12 +1,13 @@
 // Running the correction and writing its files.
 #include "correction_run.h"
 
+#include <aimhue/picture_files.h>
 #include <aimhue/status.h>
 
 #include <cmath>
 #include <filesystem>
 
-#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgcodecs.hpp>  // the codecs' parameter names
 
 #include "command_error.h"
 #include "correction_map.h"
@@ -141,15 +142,9 @@ void WriteMap(OutputTransaction& outputs, const std::string& target, const cv::M
 
 void WriteImage(OutputTransaction& outputs, const std::string& target, const cv::Mat& image,
                 const char* what, const std::vector<int>& parameters) {
-  bool written = false;
   std::vector<uint8_t> bytes;
-  try {
-    written = cv::imencode(std::filesystem::path(target).extension().string(), image, bytes,
-                           parameters);
-  } catch (const cv::Exception&) {
-    written = false;  // an unknown extension: OpenCV throws instead of returning false
-  }
-  if (!written) {
+  if (!EncodePicture(std::filesystem::path(target).extension().string(), image, bytes,
+                     parameters)) {
     throw CommandError(kExitOutput, std::string("cannot encode the ") + what + " '" + target + "'");
   }
   outputs.Add(target, reinterpret_cast<const char*>(bytes.data()), bytes.size());

@@ -33,15 +33,17 @@ Coverage CountCoverage(AimhueScreen screen, const TargetBlock& targets, const cv
   return coverage;
 }
 
-int64_t CountLedsMissingTargets(AimhueScreen screen, const TargetLxy (&targets)[4],
-                                const ScreenSize& size) {
+CoverageCount CountCoverageAndMisses(AimhueScreen screen, const TargetLxy (&targets)[4],
+                                     const ScreenSize& size) {
   float block[kTargetBlockFloats];
   for (int i = 0; i < kTargetPointCount; ++i) SetTargetAt(block, i, targets[i]);
   cv::Mat misses(size.rows, size.cols, CV_8UC1);
-  CheckStatus(AimhueCalcScreenCoverage(screen, block, nullptr, nullptr, misses.data,
+  CoverageCount count;
+  CheckStatus(AimhueCalcScreenCoverage(screen, block, nullptr, &count.coverage, misses.data,
                                        misses.total()),
               "the coverage count refused the meters");
-  return cv::countNonZero(misses);
+  count.ledsMissingTargets = cv::countNonZero(misses);
+  return count;
 }
 
 }  // namespace tool

@@ -19,10 +19,15 @@ namespace tool {
 // library status other than 0 ends the command (CommandError, exit status 3).
 Coverage CountCoverage(AimhueScreen screen, const TargetBlock& targets, const cv::Mat& mask);
 
-// The LEDs whose own gamut misses at least one of the targets, from the
-// screen's per-LED miss plane (AimhueCalcScreenCoverage).
-int64_t CountLedsMissingTargets(AimhueScreen screen, const TargetLxy (&targets)[4],
-                                const ScreenSize& size);
+// The coverage of the targets (every LED counted) and the LEDs whose own
+// gamut misses at least one of them, from one AimhueCalcScreenCoverage
+// call with the per-LED miss plane.
+struct CoverageCount {
+  Coverage coverage{};
+  int64_t ledsMissingTargets = 0;
+};
+CoverageCount CountCoverageAndMisses(AimhueScreen screen, const TargetLxy (&targets)[4],
+                                     const ScreenSize& size);
 
 }  // namespace tool
 }  // namespace aimhue

@@ -50,28 +50,16 @@ bool InsideLocus(float x, float y) {
 
 }  // namespace
 
-ImplausibleLeds CountImplausibleLeds(const std::array<LedMeter, 3>& triple) {
+ImplausibleLeds CountImplausibleLeds(const AimhueScreenPlanes& planes) {
   ImplausibleLeds counts;
-  const cv::Mat& first = triple[0].chroma;
-  for (const LedMeter& meter : triple) {
-    if (meter.chroma.empty() || meter.chroma.type() != CV_32FC1 ||
-        meter.chroma.size() != first.size()) {
-      return counts;
-    }
-  }
-  for (int row = 0; row < first.rows; ++row) {
-    const float* xs = triple[0].chroma.ptr<float>(row);
-    const float* ys = triple[1].chroma.ptr<float>(row);
-    const float* zs = triple[2].chroma.ptr<float>(row);
-    for (int col = 0; col < first.cols; ++col) {
-      const float X = xs[col];
-      const float Y = ys[col];
-      const float Z = zs[col];
-      if (X == 0.0f && Y == 0.0f && Z == 0.0f) continue;  // dead: reported on its own
-      if (!(Y > 0.0f) || !std::isfinite(Y)) ++counts.badLuminance;
-      const float sum = X + Y + Z;
-      if (!InsideLocus(X / sum, Y / sum)) ++counts.outsideLocus;
-    }
+  const std::size_t total = static_cast<std::size_t>(planes.rows) * planes.cols;
+  for (std::size_t i = 0; i < total; ++i) {
+    const float L = planes.L[i];
+    const float x = planes.x[i];
+    const float y = planes.y[i];
+    if (L == 0.0f && std::isnan(x) && std::isnan(y)) continue;  // dead: reported on its own
+    if (!(L > 0.0f) || !std::isfinite(L)) ++counts.badLuminance;
+    if (!InsideLocus(x, y)) ++counts.outsideLocus;
   }
   return counts;
 }

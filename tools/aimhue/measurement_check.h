@@ -6,9 +6,8 @@
 #ifndef AIMHUE_TOOLS_MEASUREMENT_CHECK_H_
 #define AIMHUE_TOOLS_MEASUREMENT_CHECK_H_
 
-#include <aimhue/led_meter.h>
+#include <aimhue/screen.h>
 
-#include <array>
 #include <cstdint>
 #include <ostream>
 #include <string>
@@ -22,9 +21,10 @@ struct ImplausibleLeds {
   int64_t outsideLocus = 0;   // chromaticity more than 0.05 outside the spectral locus
 };
 
-// Counts the LEDs of one primary's X, Y and Z meters. Planes that are not
-// 32-bit float planes of one size count nothing: the library refuses them.
-ImplausibleLeds CountImplausibleLeds(const std::array<LedMeter, 3>& triple);
+// Counts the LEDs of one primary from its planes on the screen. An LED
+// without luminance and without chromaticity (L = 0, x and y NaN: X, Y and
+// Z all 0) is dead and counted apart, not here.
+ImplausibleLeds CountImplausibleLeds(const AimhueScreenPlanes& planes);
 
 // Prints one warning line per primary that has implausible LEDs:
 // "<command>: warning: red: implausible measured values in 12 of 6000 LEDs

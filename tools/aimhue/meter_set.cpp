@@ -1,14 +1,16 @@
 // Loading meters, repairing dead LEDs and combining a screen.
 #include "meter_set.h"
 
+#include <aimhue/dead_leds.h>
 #include <aimhue/screen.h>
 #include <aimhue/status.h>
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <iostream>
 
 #include "command_error.h"
-#include "gamut_plot.h"
 #include "measurement_check.h"
 
 namespace aimhue {
@@ -31,26 +33,20 @@ std::string DescribeMeter(uint32_t color, uint32_t type) {
   return primary + " " + axis;
 }
 
-// 255 where X, Y and Z are all 0; empty when the planes do not fit together.
-cv::Mat DeadMask(const PrimaryMeters& triple) {
-  const cv::Mat& x = triple[0].chroma;
-  for (const LedMeter& meter : triple) {
-    if (meter.chroma.empty() || meter.chroma.type() != CV_32FC1 || meter.chroma.size() != x.size()) {
-      return cv::Mat();
+// At most `limit` chromaticities of the plane pair, every stride-th LED,
+// those without a finite chromaticity (dead LEDs) left out.
+std::vector<cv::Point2f> SampleChromaticities(const AimhueScreenPlanes& planes, std::size_t limit) {
+  std::vector<cv::Point2f> points;
+  const std::size_t total = static_cast<std::size_t>(planes.rows) * planes.cols;
+  if (limit == 0 || total == 0) return points;
+  const std::size_t stride = std::max<std::size_t>(1, (total + limit - 1) / limit);
+  points.reserve(total / stride + 1);
+  for (std::size_t i = 0; i < total; i += stride) {
+    if (std::isfinite(planes.x[i]) && std::isfinite(planes.y[i])) {
+      points.emplace_back(planes.x[i], planes.y[i]);
     }
   }
-  cv::Mat dead = (triple[0].chroma == 0.0f);
-  dead &= (triple[1].chroma == 0.0f);
-  dead &= (triple[2].chroma == 0.0f);
-  return dead;
-}
-
-void MarkDead(LedMeter& meter, const cv::Mat& dead) {
-  if (meter.state.size() != meter.chroma.size() || meter.state.type() != CV_8UC1) {
-    meter.state = cv::Mat::zeros(meter.chroma.size(), CV_8UC1);
-  }
-  cv::Mat marked = meter.state | 1;
-  marked.copyTo(meter.state, dead);
+  return points;
 }
 
 }  // namespace
@@ -103,22 +99,10 @@ std::string DescribeMeterFiles(const MeterFiles& files) {
   return "meter files in " + (folder.empty() ? std::string(".") : folder.string());
 }
 
-int64_t CountDeadLeds(const PrimaryMeters& meters) {
-  const cv::Mat dead = DeadMask(meters);
-  return dead.empty() ? 0 : cv::countNonZero(dead);
-}
-
-DeadLeds HandleDeadLeds(PrimaryMeters& meters, bool repair) {
-  DeadLeds counts;
-  counts.found = CountDeadLeds(meters);
-  counts.remaining = counts.found;
-  if (!repair || counts.found == 0) return counts;
-  const cv::Mat dead = DeadMask(meters);
-  for (LedMeter& meter : meters) {
-    MarkDead(meter, dead);
-    CheckStatus(meter.FixDeadPoint(), "cannot repair the dead LEDs");
-  }
-  counts.remaining = CountDeadLeds(meters);
+DeadLedCounts HandleDeadLeds(PrimaryMeters& meters, bool repair) {
+  LedMeter* const triple[3] = {&meters[0], &meters[1], &meters[2]};
+  DeadLedCounts counts;
+  CheckStatus(FixDeadLeds(triple, repair, &counts), "cannot repair the dead LEDs");
   return counts;
 }
 
@@ -129,16 +113,21 @@ MeasuredScreen MeasureScreen(const std::function<PrimaryMeters(int)>& primary, b
   measured.dead.repaired = repair;
   for (int p = 0; p < kPrimaryCount; ++p) {
     PrimaryMeters meters = primary(p);
-    const DeadLeds dead = HandleDeadLeds(meters, repair);
+    const DeadLedCounts dead = HandleDeadLeds(meters, repair);
     measured.dead.found[p] = dead.found;
     measured.dead.remaining[p] = dead.remaining;
-    WarnImplausibleLeds(std::cerr, "aimhue", kPrimaryNames[p], CountImplausibleLeds(meters),
-                        static_cast<int64_t>(meters[0].chroma.total()));
-    measured.leds[p] = LedChromaticities(meters[0].chroma, meters[1].chroma, meters[2].chroma,
-                                         plotted_leds);
-    const LedMeter* const triple[3] = {&meters[0], &meters[1], &meters[2]};
-    CheckStatus(AimhueScreenSetPrimary(measured.screen.get(), ColourOfPrimary(p), triple),
+    // The screen takes the value planes over: no copy of them is made.
+    LedMeter* const triple[3] = {&meters[0], &meters[1], &meters[2]};
+    CheckStatus(AimhueScreenTakePrimary(measured.screen.get(), ColourOfPrimary(p), triple),
                 std::string("the library refused the ") + kPrimaryNames[p] + " meters");
+    // From here on the screen's combined planes serve the checks and the
+    // plot; the rest of the meters goes when this iteration ends.
+    AimhueScreenPlanes planes{};
+    CheckStatus(AimhueGetScreenPlanes(measured.screen.get(), ColourOfPrimary(p), &planes),
+                "cannot read the screen's planes");
+    WarnImplausibleLeds(std::cerr, "aimhue", kPrimaryNames[p], CountImplausibleLeds(planes),
+                        static_cast<int64_t>(planes.rows) * planes.cols);
+    measured.leds[p] = SampleChromaticities(planes, plotted_leds);
   }
   int32_t rows = 0;
   int32_t cols = 0;

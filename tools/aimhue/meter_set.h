@@ -5,6 +5,7 @@
 #ifndef AIMHUE_TOOLS_METER_SET_H_
 #define AIMHUE_TOOLS_METER_SET_H_
 
+#include <aimhue/dead_leds.h>
 #include <aimhue/led_meter.h>
 #include <aimhue/target.h>
 
@@ -62,26 +63,10 @@ Meters LoadMeters(const MeterFiles& files);
 // the nine share a folder, otherwise their names separated by blanks.
 std::string DescribeMeterFiles(const MeterFiles& files);
 
-// LEDs whose X, Y and Z are all 0. Such an LED has no chromaticity (0 / 0),
-// and the search would average its NaN into every mean. Planes that are not
-// 32-bit float planes of one size count 0: the library reports that
-// mismatch itself.
-int64_t CountDeadLeds(const PrimaryMeters& meters);
-
-// Dead LEDs of one primary, before and after the repair.
-struct DeadLeds {
-  int64_t found = 0;
-  int64_t remaining = 0;
-};
-
-// Counts the dead LEDs and, when `repair` holds, marks them in the state
-// planes of the three meters (bit 0, the bit LedMeter::FixDeadPoint reads;
-// a state plane that is empty or of another size is replaced by zeros
-// first) and replaces their values by the 3 x 3 median of their neighbours
-// (LedMeter::FixDeadPoint). LEDs already marked in a state plane are
-// repaired too. A dead LED inside a cluster of dead LEDs may stay dead;
-// `remaining` counts them.
-DeadLeds HandleDeadLeds(PrimaryMeters& meters, bool repair);
+// FixDeadLeds on the three meters: counts the dead LEDs and, when `repair`
+// holds, marks and repairs them. A library status other than 0 ends the
+// command (CommandError, exit status 3).
+DeadLedCounts HandleDeadLeds(PrimaryMeters& meters, bool repair);
 
 // A measurement combined into a screen, with what the reports need from
 // the meters, which are gone by then.
@@ -94,10 +79,10 @@ struct MeasuredScreen {
 
 // Builds the screen one primary at a time: `primary(p)` gives primary p's
 // meters (red, green, blue in turn); their dead LEDs are counted (and
-// repaired when `repair` holds), implausible values are reported on
-// standard error, a sample of at most `plotted_leds` chromaticities is kept
-// for the gamut plot, and the primary is set on the screen
-// (AimhueScreenSetPrimary). The meters are freed before the next primary
+// repaired when `repair` holds), the primary is set on the screen
+// (AimhueScreenTakePrimary), and from the screen's planes implausible values
+// are reported on standard error and a sample of at most `plotted_leds`
+// chromaticities is kept for the gamut plot. The meters are freed before the next primary
 // is read, so the peak memory stays near the measurement's size.
 MeasuredScreen MeasureScreen(const std::function<PrimaryMeters(int)>& primary, bool repair,
                              std::size_t plotted_leds);

@@ -1,9 +1,10 @@
 // The content of the result, report and plot files.
 #include "output_files.h"
 
+#include <aimhue/picture_files.h>
+
 #include <vector>
 
-#include <opencv2/imgcodecs.hpp>
 
 #include "command_error.h"
 #include "gamut_plot.h"
@@ -31,14 +32,8 @@ std::string GamutPlotPng(const std::array<std::vector<cv::Point2f>, kPrimaryCoun
   input.leds = leds;
   input.searchStart = report.searchStart;
   input.targets = report.targets;
-  std::vector<uchar> png;
-  bool encoded = false;
-  try {
-    encoded = cv::imencode(".png", DrawGamutPlot(input), png);
-  } catch (const cv::Exception&) {
-    encoded = false;
-  }
-  if (!encoded) throw CommandError(kExitOutput, "cannot encode the gamut plot");
+  std::vector<uint8_t> png;
+  if (!EncodePicture(".png", DrawGamutPlot(input), png)) throw CommandError(kExitOutput, "cannot encode the gamut plot");
   return std::string(png.begin(), png.end());
 }
 

@@ -3,42 +3,50 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
+#include <cmath>
 #include <sstream>
+#include <vector>
 
 namespace aimhue {
 namespace tool {
 namespace {
 
-// One primary of 2 x 3 LEDs with X, Y, Z = 1, 2, 1 (chromaticity 0.25, 0.5).
-std::array<LedMeter, 3> Triple() {
-  std::array<LedMeter, 3> triple;
-  const float values[3] = {1.0f, 2.0f, 1.0f};
-  for (int c = 0; c < 3; ++c) triple[c].chroma = cv::Mat(2, 3, CV_32FC1, cv::Scalar(values[c]));
-  return triple;
-}
+// The planes of one row of LEDs, as a screen combines them from X, Y, Z.
+struct Planes {
+  std::vector<float> L, x, y;
+  explicit Planes(const std::vector<std::array<float, 3>>& xyz) {
+    for (const auto& led : xyz) {
+      const float sum = led[0] + led[1] + led[2];
+      L.push_back(led[1]);
+      x.push_back(led[0] / sum);
+      y.push_back(led[1] / sum);
+    }
+  }
+  AimhueScreenPlanes View() const {
+    return {L.data(), x.data(), y.data(), 1, static_cast<int32_t>(L.size())};
+  }
+};
 
 TEST(CountImplausibleLeds, CountsBadLuminanceAndChromaticityButNotDeadLeds) {
-  std::array<LedMeter, 3> triple = Triple();
-  EXPECT_EQ(CountImplausibleLeds(triple).badLuminance, 0);
-  EXPECT_EQ(CountImplausibleLeds(triple).outsideLocus, 0);
-  for (LedMeter& meter : triple) meter.chroma.at<float>(0, 0) = 0.0f;  // dead
-  triple[1].chroma.at<float>(0, 1) = -2.0f;                           // negative Y
-  triple[0].chroma.at<float>(1, 2) = 20.0f;  // x = 20 / 23: red beyond any LED
-  const ImplausibleLeds counts = CountImplausibleLeds(triple);
+  const Planes plausible({{1, 2, 1}, {1, 2, 1}});
+  EXPECT_EQ(CountImplausibleLeds(plausible.View()).badLuminance, 0);
+  EXPECT_EQ(CountImplausibleLeds(plausible.View()).outsideLocus, 0);
+  const Planes planes({{0, 0, 0},     // dead
+                       {1, -2, 1},    // negative Y, and x, y outside
+                       {20, 2, 1},    // x = 20 / 23: red beyond any LED
+                       {1, 2, 1}});
+  const ImplausibleLeds counts = CountImplausibleLeds(planes.View());
   EXPECT_EQ(counts.badLuminance, 1);
-  EXPECT_EQ(counts.outsideLocus, 2);  // the negative Y also gives x, y outside
+  EXPECT_EQ(counts.outsideLocus, 2);
 }
 
 TEST(CountImplausibleLeds, FlagsAMeterOfHugeValues) {
-  std::array<LedMeter, 3> triple = Triple();
-  for (LedMeter& meter : triple) meter.chroma.setTo(FLT_MAX);  // X + Y + Z overflows
-  EXPECT_EQ(CountImplausibleLeds(triple).outsideLocus, 6);
+  const Planes planes(std::vector<std::array<float, 3>>(6, {FLT_MAX, FLT_MAX, FLT_MAX}));
+  EXPECT_EQ(CountImplausibleLeds(planes.View()).outsideLocus, 6);  // X + Y + Z overflows
   std::ostringstream out;
-  WarnImplausibleLeds(out, "aimhue", "green", CountImplausibleLeds(triple), 6);
+  WarnImplausibleLeds(out, "aimhue", "green", CountImplausibleLeds(planes.View()), 6);
   EXPECT_EQ(out.str(), "aimhue: warning: green: implausible measured values in 6 of 6 LEDs"
                        " (chromaticity outside the spectral locus); check the meter files\n");
-  triple[2].chroma = cv::Mat(1, 3, CV_32FC1, cv::Scalar(1.0f));  // the library refuses these
-  EXPECT_EQ(CountImplausibleLeds(triple).outsideLocus, 0);
 }
 
 }  // namespace
