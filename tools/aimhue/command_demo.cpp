@@ -72,11 +72,7 @@ void AddDemoCommand(CLI::App& app, int& exit_status) {
       " report and writes result.aimhue, report.json and gamut.png into the output directory."
       " Then corrects every LED to the targets, prints the correction's report and writes"
       " correction.corr and the map correction_map.png.");
-  command->add_option("--size", options->size, "Screen size in LEDs, WIDTHxHEIGHT.")
-      ->check(
-          ScreenSizeText("WIDTHxHEIGHT with at most " + std::to_string(kMaxScreenLeds) + " LEDs"))
-      ->capture_default_str()
-      ->type_name("WxH");
+  AddScreenSizeOption(*command, options->size)->capture_default_str();
   command->add_option("--seed", options->seed, "Seed of the synthetic screen; a seed always gives"
                                                " the same screen.")
       ->capture_default_str()

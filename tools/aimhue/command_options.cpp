@@ -55,6 +55,13 @@ CLI::Validator ScreenSizeText(const std::string& expected) {
       "", "screen size WIDTHxHEIGHT");
 }
 
+CLI::Option* AddScreenSizeOption(CLI::App& command, std::string& size) {
+  return command.add_option("--size", size, "Screen size in LEDs, WIDTHxHEIGHT.")
+      ->check(ScreenSizeText("WIDTHxHEIGHT with at most " + std::to_string(kMaxScreenLeds) +
+                             " LEDs"))
+      ->type_name("WxH");
+}
+
 ScreenSize ScreenSizeOf(const std::string& text) {
   const auto size = ParseScreenSize(text);
   if (!size) throw CommandError(kExitUsage, "expected WIDTHxHEIGHT, got '" + text + "'");

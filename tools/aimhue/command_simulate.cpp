@@ -69,11 +69,7 @@ void AddSimulateCommand(CLI::App& app, int& exit_status) {
       " output directory, one file name per line on standard output. The files are ordinary"
       " .meter files: `calibrate`, `judge`, `coverage` and `inspect` read them like real"
       " measurements.");
-  command->add_option("--size", options->size, "Screen size in LEDs, WIDTHxHEIGHT.")
-      ->check(
-          ScreenSizeText("WIDTHxHEIGHT with at most " + std::to_string(kMaxScreenLeds) + " LEDs"))
-      ->required()
-      ->type_name("WxH");
+  AddScreenSizeOption(*command, options->size)->required();
   command->add_option("--seed", options->seed, "Seed of the synthetic screen.")
       ->capture_default_str()
       ->type_name("N");

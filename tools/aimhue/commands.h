@@ -43,6 +43,10 @@ extern const char* const kEnvironmentHelp;
 // reads "expected <expected>, got '<text>'".
 CLI::Validator ScreenSizeText(const std::string& expected);
 
+// The --size option of the commands that generate a screen: WIDTHxHEIGHT
+// with at most kMaxScreenLeds LEDs.
+CLI::Option* AddScreenSizeOption(CLI::App& command, std::string& size);
+
 // The size of an option checked by ScreenSizeText; CommandError (exit
 // status 2) should the text not be a size after all.
 ScreenSize ScreenSizeOf(const std::string& text);
