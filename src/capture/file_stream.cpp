@@ -20,8 +20,17 @@ FileSink::~FileSink() { Close(); }
 
 bool FileSink::Open(const std::string& fullname) {
   if (descriptor_ >= 0) return false;
-  descriptor_ = ::open(fullname.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  // Not blocking in open: a FIFO that nobody reads would otherwise hold the
+  // caller forever; it is refused (ENXIO) instead. Writes block as usual.
+  descriptor_ =
+      ::open(fullname.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
   if (descriptor_ < 0) return false;
+  const int flags = ::fcntl(descriptor_, F_GETFL);
+  if (flags < 0 || ::fcntl(descriptor_, F_SETFL, flags & ~O_NONBLOCK) < 0) {
+    ::close(descriptor_);
+    descriptor_ = -1;
+    return false;
+  }
   buffer_.reserve(kSinkBufferBytes);
   return true;
 }

@@ -45,7 +45,7 @@ class FileSink final : public ByteSink {
   ~FileSink() override;
 
   // Creates the file or truncates it; false when it cannot be opened for
-  // writing.
+  // writing, and at once for a FIFO that no process reads.
   bool Open(const std::string& fullname);
   bool Write(const void* data, size_t count) override;
   // Writes the buffered bytes and closes; false when any write or the

@@ -6,6 +6,8 @@
 #include <aimhue/status.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -102,6 +104,18 @@ TEST(FileStream, FilesHoldAndLoadWhatBuffersHoldAndLoad) {
 
 // A file cut or grown after it was opened: the reader sees the bytes up to
 // the cut, or up to the size at opening, and stops there.
+// A save to a FIFO that no process reads is refused at once instead of
+// waiting for a reader forever.
+TEST(FileStream, SavingToAnUnreadFifoIsRefusedAtOnce) {
+  TempDir dir;
+  const std::string fifo = dir.Path("unread.meter");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  LogCapture log;
+  EXPECT_EQ(LargeMeter().Save(fifo), kOpenWriteFailed);
+  FileSink sink;
+  EXPECT_FALSE(sink.Open(fifo));
+}
+
 TEST(FileStream, FileChangingSizeAfterOpeningReadsAsCutData) {
   TempDir dir;
   cv::Mat mat(300, 200, CV_32FC2);
