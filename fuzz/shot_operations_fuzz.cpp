@@ -44,10 +44,9 @@ void AddAsCapture(const Shot& shot) {
   const int64_t width = shot.pattern->lighted_led_w;
   const int64_t height = shot.pattern->lighted_led_h;
   if (width < 1 || height < 1 || width * height > kMaxCaptureLeds) return;
-  aimhue::LedSet positions{cv::Mat::zeros(static_cast<int>(height), static_cast<int>(width), CV_8UC1),
-                           cv::Mat::zeros(static_cast<int>(height), static_cast<int>(width), CV_32FC2)};
-  aimhue::LedSet values{positions.state.clone(),
-                        cv::Mat::ones(static_cast<int>(height), static_cast<int>(width), CV_32FC1)};
+  const cv::Size lit(static_cast<int>(width), static_cast<int>(height));
+  aimhue::LedSet positions{cv::Mat::zeros(lit, CV_8UC1), cv::Mat::zeros(lit, CV_32FC2)};
+  aimhue::LedSet values{cv::Mat::zeros(lit, CV_8UC1), cv::Mat::ones(lit, CV_32FC1)};
   aimhue::LedMeter meter;
   meter.Add(&shot, &positions, &values);
   meter.Add(&shot, &positions, &values);  // the same cell again

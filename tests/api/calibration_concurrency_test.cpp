@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "support/chroma_sets.h"
 #include "synthetic/synthetic_screen.h"
 
 namespace aimhue {
@@ -34,15 +35,9 @@ struct CalibrationResult {
   }
 };
 
+// No dead LED: its NaN chromaticity would make every result NaN.
 ScreenMeters Screen(uint64_t seed) {
-  synthetic::ScreenOptions options;
-  options.rows = 60;
-  options.cols = 80;
-  options.moduleRows = 20;
-  options.moduleCols = 20;
-  options.seed = seed;
-  options.deadCount = 0;  // a dead LED's NaN chromaticity would make every result NaN
-  return synthetic::GenerateMeters(options);
+  return synthetic::GenerateMeters(testing::SmallScreen(60, 80, seed, 20, 20));
 }
 
 // The whole calling order on one new handle.

@@ -6,12 +6,9 @@
 #include "support/log_capture.h"
 #include "support/test_meters.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::MakeMeter;
-using Lines = std::vector<std::string>;
 
 TEST(VConcatMeter, StacksStateAndChromaAndKeepsTheRestOfOut) {
   const LedMeter top = MakeMeter(CIE_Y, 2, 4, 8, 1.0f);
@@ -61,4 +58,4 @@ TEST(VConcatMeter, MismatchesAreRefusedInOrderWithOutUntouched) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

@@ -10,10 +10,9 @@
 #include "engine/aimhue.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::TempDir;
 
 TEST(PersistenceApi, ResultsTravelThroughFilesAndBuffersBetweenHandles) {
   TempDir dir;
@@ -61,4 +60,4 @@ TEST(PersistenceApi, NullHandlesNamesAndBuffersAreRefused) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

@@ -8,32 +8,21 @@
 #include <cstring>
 #include <vector>
 
+#include "support/chroma_sets.h"
 #include "support/log_capture.h"
 #include "synthetic/synthetic_screen.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
 using Lines = std::vector<std::string>;
-
-template <typename T>
-bool SameBits(const T& a, const T& b) {
-  return std::memcmp(&a, &b, sizeof(T)) == 0;
-}
 
 // A synthetic screen with outliers, as meters and as a screen object.
 class ScreenApi : public ::testing::Test {
  protected:
   void SetUp() override {
-    synthetic::ScreenOptions options;
-    options.rows = 48;
-    options.cols = 64;
-    options.moduleRows = 16;
-    options.moduleCols = 16;
-    options.seed = 7;
-    options.deadCount = 0;  // a dead LED's NaN would make the search's means NaN
-    meters_ = synthetic::GenerateMeters(options);
+    // No dead LED: its NaN would make the search's means NaN.
+    meters_ = synthetic::GenerateMeters(SmallScreen(48, 64, 7, 16, 16));
     for (int primary = 0; primary < kPrimaryCount; ++primary) {
       for (int axis = 0; axis < 3; ++axis) triples_[primary][axis] = &meters_[primary][axis];
     }
@@ -106,6 +95,7 @@ TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
   EXPECT_EQ(std::memcmp(&ngCoverage, counted, sizeof counted), 0);
   EXPECT_GT(ngCoverage.all, 0.0f);
   EXPECT_LT(ngCoverage.all, 1.0f);
+  EXPECT_EQ(Results(viaMeters_).ngLimit, ngCoverage.all - 0.25f);
 
   // The judgement of the same screen, with and without the coverage output.
   bool ngMeters = true;
@@ -294,12 +284,7 @@ TEST_F(ScreenApi, RefusalsLeaveTheScreenAndOutputsUnchanged) {
   EXPECT_TRUE(SameBits(Results(viaScreen_), Results(viaMeters_)));
 
   // A red primary of another size does not join the screen.
-  synthetic::ScreenOptions small;
-  small.rows = 8;
-  small.cols = 8;
-  small.moduleRows = 8;
-  small.moduleCols = 8;
-  const synthetic::ScreenMeters other = synthetic::GenerateMeters(small);
+  const synthetic::ScreenMeters other = synthetic::GenerateMeters(SmallScreen(8, 8, 1, 8, 8));
   const LedMeter* smallRed[3] = {&other[0][0], &other[0][1], &other[0][2]};
   log.Clear();
   EXPECT_EQ(AimhueScreenSetPrimary(screen_, kRed, smallRed), kOutOfRange);
@@ -324,4 +309,4 @@ TEST_F(ScreenApi, RefusalsLeaveTheScreenAndOutputsUnchanged) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

@@ -14,10 +14,6 @@ using ::testing::internal::CaptureStdout;
 using ::testing::internal::GetCapturedStderr;
 using ::testing::internal::GetCapturedStdout;
 
-bool SameImage(const cv::Mat& a, const cv::Mat& b) {
-  return a.type() == b.type() && a.size() == b.size() && cv::norm(a, b, cv::NORM_INF) == 0.0;
-}
-
 // `bytes` with `value` written low byte first over `width` bytes at `at`.
 std::string Put(std::string bytes, size_t at, uint32_t value, int width = 4) {
   if (bytes.size() < at + width) bytes.resize(at + width);

@@ -5,28 +5,10 @@
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ReadFileBytes;
-using ::aimhue::testing::TempDir;
 using Lines = std::vector<std::string>;
-
-TEST(BinaryMatrixFile, ThreeChannelMatrixIs29BytesAndReadsBack) {
-  TempDir dir;
-  cv::Mat mat(2, 2, CV_8UC3);
-  for (int i = 0; i < 12; ++i) mat.data[i] = static_cast<uchar>(10 + i);
-  ASSERT_TRUE(BIO::SaveMatToBin(dir.Path("m.bin"), mat));
-  EXPECT_EQ(ReadFileBytes(dir.Path("m.bin")),
-            std::string("L\x02\0\0\0\x02\0\0\0\x10\0\0\0\x03\0\0\0"
-                        "\x0A\x0D\x10\x13\x0B\x0E\x11\x14\x0C\x0F\x12\x15",
-                        29));
-  cv::Mat loaded;
-  ASSERT_TRUE(BIO::LoadBinToMat(dir.Path("m.bin"), loaded));
-  ASSERT_EQ(loaded.type(), CV_8UC3);
-  EXPECT_EQ(cv::norm(mat, loaded, cv::NORM_INF), 0.0);
-}
 
 TEST(BinaryMatrixFile, OtherMarkDamagedDataAndZeroRowsStillGiveTrue) {
   TempDir dir;
@@ -89,4 +71,4 @@ TEST(Bio, RefusalsGiveFalseAndLeaveTheOutputUnchanged) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

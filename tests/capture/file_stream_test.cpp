@@ -11,21 +11,22 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <limits>
 #include <thread>
 
 #include "capture/matrix_block.h"
+#include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ReadFileBytes;
-using ::aimhue::testing::TempDir;
 
 // A meter whose planes are larger than the reader's window and staging runs,
-// so that loading takes the direct, windowed and interleaving paths.
+// so that loading takes the direct, windowed and interleaving paths, with
+// every record and chroma values that must survive bit for bit.
 LedMeter LargeMeter() {
   LedMeter meter;
   meter.color = 2;
@@ -36,25 +37,14 @@ LedMeter LargeMeter() {
   cv::randu(meter.state, 0, 4);
   cv::randu(meter.pos, -1e4, 1e4);
   cv::randu(meter.chroma, 0.0, 1e3);
+  const float specials[] = {std::numeric_limits<float>::quiet_NaN(), -0.0f,
+                            std::numeric_limits<float>::denorm_min()};
+  std::copy(std::begin(specials), std::end(specials), meter.chroma.ptr<float>(210) + 300);
   meter.SetPartition(Partition{0, 0, 307, 211, 307, 211});
+  meter.SetLedPanel(LedPanel{1, 2, 3, 16, 8, 2.5f});
+  meter.SetLayer(Layer{-1, 0.75f, 64});
   meter.SetCapture(Capture{1, 2, 3, 4, 5});
   return meter;
-}
-
-std::string Content(const LedMeter& meter) {
-  uint64_t size = 0;
-  EXPECT_EQ(meter.GetBufferSize(&size), kOk);
-  std::string bytes(size, '\0');
-  EXPECT_EQ(meter.ToBuffer(bytes.data(), &size), kOk);
-  return bytes;
-}
-
-std::string Content(const Shot& shot) {
-  size_t size = 0;
-  EXPECT_EQ(shot.GetBufferSize(&size), kOk);
-  std::string bytes(size, '\0');
-  EXPECT_EQ(shot.ToBuffer(bytes.data(), &size), kOk);
-  return bytes;
 }
 
 std::string BlockBytes(const cv::Mat& mat) {
@@ -84,6 +74,8 @@ TEST(FileStream, FilesHoldAndLoadWhatBuffersHoldAndLoad) {
     shot.image.create(190, 230, type);
     cv::randu(shot.image, 0, 70000);
     shot.SetColor(4);
+    shot.SetDevice(Device{"camera", 320012, "lens", 7});
+    shot.SetPattern(Pattern{1, 2, 2, 1, 0, -1, -1});
     ASSERT_EQ(shot.Save(dir.Path("large.shot")), kOk);
     EXPECT_EQ(ReadFileBytes(dir.Path("large.shot")), Content(shot)) << type;
     Shot loaded;
@@ -192,4 +184,4 @@ TEST(FileStream, MeterFileChangingWhileLoadedIsWholeOrRefused) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

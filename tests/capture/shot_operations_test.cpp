@@ -8,10 +8,6 @@
 namespace aimhue::testing {
 namespace {
 
-bool SameImage(const cv::Mat& a, const cv::Mat& b) {
-  return a.type() == b.type() && a.size() == b.size() && cv::norm(a, b, cv::NORM_INF) == 0.0;
-}
-
 Shot MakeShot(const cv::Mat& image, uint32_t type) {
   Shot shot;
   shot.image = image;

@@ -13,25 +13,6 @@ namespace {
 
 using ::aimhue::testing::LogCapture;
 
-TEST(PlumeLog, HostSinkReceivesEachLevelFormattedWithoutPrefixOrLineEnd) {
-  LogCapture log;
-  PlumeLogDebug("    part.xywh              = [%d %d %d %d]", 1, 2, 3, 4);
-  PlumeLogInfo("Aimhue::Search");
-  PlumeLogError("LedMeter::Load -- Failed to Open file. fullname = %s", "a.meter");
-  EXPECT_EQ(log.Debugs(), std::vector<std::string>{"    part.xywh              = [1 2 3 4]"});
-  EXPECT_EQ(log.Infos(), std::vector<std::string>{"Aimhue::Search"});
-  EXPECT_EQ(log.Errors(),
-            std::vector<std::string>{"LedMeter::Load -- Failed to Open file. fullname = a.meter"});
-}
-
-TEST(PlumeLog, LongMessagesAndFileNamesArriveWhole) {
-  LogCapture log;
-  const std::string name(100000, 'n');
-  PlumeLogError("Aimhue::Load -- Failed to Open file. fullname = %s", name.c_str());
-  ASSERT_EQ(log.Errors().size(), 1u);
-  EXPECT_EQ(log.Errors()[0], "Aimhue::Load -- Failed to Open file. fullname = " + name);
-}
-
 TEST(PlumeLog, NullSinkRestoresStandardErrorWithLevelFilter) {
   {
     LogCapture log;
@@ -73,14 +54,6 @@ TEST(PlumeLog, LevelNamesAndEnvironment) {
   unsetenv("AIMHUE_LOG");
   EXPECT_EQ(PlumeLogUseEnvironment(), 1);
   PlumeLogSetLevel(saved);
-}
-
-TEST(StatusText, DescribesEveryCodeOfTheTable) {
-  EXPECT_STREQ(StatusText(11), "unknown status");
-  for (int code : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 12, 13, 100, 101, 102, 103, 104, 105, 106, 108,
-                   109, 110, 111, 112, 400, 401, 403, 404, 405, 471, 550}) {
-    EXPECT_STRNE(StatusText(code), "unknown status") << code;
-  }
 }
 
 }  // namespace

@@ -15,11 +15,9 @@
 #include "support/log_capture.h"
 #include "support/test_meters.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using Lines = std::vector<std::string>;
 
 const TargetLxy kTargets[4] = {
     {30, 0.62f, 0.33f}, {60, 0.30f, 0.58f}, {10, 0.16f, 0.09f}, {100, 0.3127f, 0.329f}};
@@ -54,7 +52,7 @@ struct Screen {
   Screen(int rows, int cols, const std::function<cv::Matx33d(int, int)>& led) {
     for (int e = 0; e < 3; ++e) {
       for (int c = 0; c < 3; ++c) {
-        meters[e][c] = testing::MakeMeter(1u << c, 1u << e, rows, cols);
+        meters[e][c] = MakeMeter(1u << c, 1u << e, rows, cols);
         triples[e][c] = &meters[e][c];
       }
     }
@@ -295,4 +293,4 @@ TEST(CorrectionTest, RefusalsLeaveTheResultAndLogOneLine) {
 }
 
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

@@ -39,34 +39,26 @@ TEST(Subsample, StrideAndCount) {
   }
 }
 
-TEST(Subsample, AtTheLimitSharesEveryPlaneAndOneMoreTakesEverySecond) {
+// At the limit every plane is shared; above it each plane gets its own
+// column of every step-th LED, the stride running across row ends: 3 x 100001
+// LEDs give step 4 and 75001 LEDs, LED 100004 (the 25001st) at row 1, column
+// 3 and the last (300000) at row 2, column 99998.
+TEST(Subsample, AtTheLimitSharesEveryPlaneAboveItStridesAcrossRowEnds) {
   Screen limit(250, 400);
   for (int plane = 0; plane < 9; ++plane) {
     EXPECT_EQ(limit.Out()[plane]->data, limit.In()[plane]->data) << plane;
     EXPECT_EQ(limit.Out()[plane]->size(), cv::Size(400, 250));
   }
-  Screen over(1, 100001);
+  Screen over(3, 100001);
   for (int plane = 0; plane < 9; ++plane) {
     const cv::Mat& out = *over.Out()[plane];
-    ASSERT_EQ(out.size(), cv::Size(1, 50001));
+    ASSERT_EQ(out.size(), cv::Size(1, 75001));
     ASSERT_EQ(out.type(), CV_32FC1);
     EXPECT_NE(out.data, over.In()[plane]->data);
     EXPECT_EQ(out.at<float>(0, 0), plane / 16.0f);
-    EXPECT_EQ(out.at<float>(1, 0), 2.0f + plane / 16.0f);
-    EXPECT_EQ(out.at<float>(50000, 0), 100000.0f + plane / 16.0f);
+    EXPECT_EQ(out.at<float>(25001, 0), 100004.0f + plane / 16.0f);
+    EXPECT_EQ(out.at<float>(75000, 0), 300000.0f + plane / 16.0f);
   }
-}
-
-TEST(Subsample, StrideRunsAcrossRowEnds) {
-  // 3 x 100001 LEDs: step 4, 75001 LEDs, the last one (300000) at row 2,
-  // column 99998; LED 100004 (the 25001st) at row 1, column 3.
-  Screen screen(3, 100001);
-  const cv::Mat& blueY = screen.sets[5].y;
-  ASSERT_EQ(blueY.rows, 75001);
-  EXPECT_EQ(blueY.at<float>(75000, 0), screen.sets[2].y.at<float>(2, 99998));
-  EXPECT_EQ(blueY.at<float>(75000, 0), 300000.0f + 8 / 16.0f);
-  EXPECT_EQ(blueY.at<float>(25001, 0), screen.sets[2].y.at<float>(1, 3));
-  EXPECT_EQ(screen.sets[4].L.at<float>(25001, 0), 100004.0f + 3 / 16.0f);
 }
 
 }  // namespace

@@ -83,9 +83,6 @@ TEST(WhitePoint, SrgbPrimariesMixTheWhiteUncappedOrCapped) {
   engine.target = kSrgb;
   ASSERT_EQ(engine.CalcWhite(1.0f, &kD65, false), kOk);
   EXPECT_NEAR(engine.target[1].L, 11.0f, 1e-5f);
-  for (const auto& [p, L] : {std::pair<int, float>{0, 3.27f}, {2, 1.11f}, {3, 15.38f}}) {
-    EXPECT_NEAR(engine.target[p].L, L, 0.01f) << p;
-  }
   Aimhue high, uncapped;
   high.target = uncapped.target = kSrgb;
   high.whiteScale = 3.0f;

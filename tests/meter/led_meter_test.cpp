@@ -10,14 +10,12 @@ namespace {
 TEST(LedMeterSetters, RegionsInsideTheScreenAndPanelsWithLeds) {
   LedMeter meter;
   ASSERT_EQ(meter.SetPartition({0, 0, 10, 10, 10, 10}), kOk);
-  std::vector<Refusal<LedMeter>> refusals;
-  for (const Partition& bad : {Partition{0, 0, 11, 10, 10, 10}, Partition{-1, 0, 5, 5, 10, 10},
-                               Partition{0, 0, 10, 10, 0, 10}, Partition{0, 0, 0, 10, 10, 10},
-                               Partition{5, 0, INT_MAX, 1, 10, 10}}) {
-    refusals.push_back({[=](LedMeter& m) { return m.SetPartition(bad); },
-                        kBadPartition,
-                        {"LedMeter::SetPartition--Error :: invalid screen wh or partition xywh"}});
-  }
+  // The region rule is shared with the shot's setter, whose test covers its
+  // boundaries; here its status and this setter's line.
+  std::vector<Refusal<LedMeter>> refusals = {
+      {[](LedMeter& m) { return m.SetPartition({5, 0, INT_MAX, 1, 10, 10}); },
+       kBadPartition,
+       {"LedMeter::SetPartition--Error :: invalid screen wh or partition xywh"}}};
   for (const LedPanel& bad : {LedPanel{1, 2, 3, 0, 8, 1.5f}, LedPanel{1, 2, 3, 8, 0, 1.5f}}) {
     refusals.push_back({[=](LedMeter& m) { return m.SetLedPanel(bad); },
                         kBadLedPanel,

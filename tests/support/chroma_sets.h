@@ -64,11 +64,13 @@ inline std::array<float, 12> TargetBlockOf(Chromaticity r, Chromaticity g, Chrom
   return {1.0f, r.x, r.y, 1.0f, g.x, g.y, 1.0f, b.x, b.y, 1.0f, 0.3127f, 0.329f};
 }
 
-// A synthetic screen without dead LEDs in modules of 10 x 16 LEDs.
-inline synthetic::ScreenOptions SmallScreen(int rows, int cols, uint64_t seed) {
+// A synthetic screen without dead LEDs in modules of 10 x 16 LEDs, or of
+// the given size.
+inline synthetic::ScreenOptions SmallScreen(int rows, int cols, uint64_t seed, int moduleRows = 10,
+                                            int moduleCols = 16) {
   synthetic::ScreenOptions options;
   std::tie(options.rows, options.cols, options.moduleRows, options.moduleCols) =
-      std::make_tuple(rows, cols, 10, 16);
+      std::make_tuple(rows, cols, moduleRows, moduleCols);
   options.deadCount = 0;
   options.seed = seed;
   return options;

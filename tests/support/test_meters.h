@@ -34,6 +34,11 @@ inline LedMeter MakeMeter(uint32_t type, uint32_t color, int rows = 2, int cols 
   return meter;
 }
 
+// Whether two images have the same type, size and values.
+inline bool SameImage(const cv::Mat& a, const cv::Mat& b) {
+  return a.type() == b.type() && a.size() == b.size() && cv::norm(a, b, cv::NORM_INF) == 0.0;
+}
+
 // Type, shape, buffer address and content of a plane.
 inline std::string Bytes(const cv::Mat& plane) {
   const cv::Mat whole = plane.clone();

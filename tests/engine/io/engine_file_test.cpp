@@ -4,25 +4,14 @@
 #include <cstring>
 
 #include "engine/aimhue.h"
-#include "support/buffer_rules.h"
 #include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
 
-namespace aimhue {
+namespace aimhue::testing {
 namespace {
 
-using ::aimhue::testing::LogCapture;
-using ::aimhue::testing::ReadFileBytes;
-using ::aimhue::testing::TempDir;
 using Lines = std::vector<std::string>;
-
-std::string Image(const Aimhue& engine) {
-  std::string buffer(169, '\0');
-  uint64_t size = buffer.size();
-  EXPECT_EQ(engine.ToBuffer(buffer.data(), &size), kOk);
-  return buffer;
-}
 
 bool SameRecord(const Aimhue& a, const Aimhue& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
@@ -44,7 +33,7 @@ TEST(EngineFile, FreshImageStartsWithMarkVersionFractionsAndLimit) {
   const unsigned char start[] = {0x4C, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x80, 0x3F,
                                  0x00, 0x00, 0x80, 0x3F, 0x00, 0x00, 0x80, 0x3F, 0x00,
                                  0x00, 0x80, 0x3F, 0xCD, 0xCC, 0x4C, 0x3F};
-  const std::string image = Image(Aimhue());
+  const std::string image = Content(Aimhue());
   EXPECT_EQ(image.substr(0, 25), std::string(reinterpret_cast<const char*>(start), 25));
   EXPECT_EQ(image.substr(25), std::string(144, '\0'));  // zeroed blocks
   uint64_t size = 0;
@@ -56,7 +45,7 @@ TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
   TempDir dir;
   const Aimhue saved = Searched();
   ASSERT_EQ(saved.Save(dir.Path("run.aimhue")), kOk);
-  EXPECT_EQ(ReadFileBytes(dir.Path("run.aimhue")), Image(saved));
+  EXPECT_EQ(ReadFileBytes(dir.Path("run.aimhue")), Content(saved));
 
   Aimhue expected = saved;  // the results of `saved`, the settings of a fresh record
   const Aimhue fresh;
@@ -66,48 +55,22 @@ TEST(EngineFile, FileAndBufferLoadsRestoreResultsAndKeepTheSettings) {
   ASSERT_EQ(fromFile.Load(dir.Path("run.aimhue")), kOk);
   EXPECT_TRUE(SameRecord(fromFile, expected));
   Aimhue fromBuffer;
-  const std::string image = Image(saved) + "trailing bytes are ignored";
+  const std::string image = Content(saved) + "trailing bytes are ignored";
   ASSERT_EQ(fromBuffer.FromBuffer(image.data(), static_cast<int64_t>(image.size())), kOk);
   EXPECT_TRUE(SameRecord(fromBuffer, expected));
 }
 
-TEST(EngineFile, CallerBufferRules) { testing::ExpectCallerBufferRules(Searched(), 169); }
-
-TEST(EngineFile, RefusedImagesLeaveTheRecordUnchanged) {
-  TempDir dir;
-  const std::string image = Image(Aimhue());
-  const struct {
-    std::string bytes;
-    int status;
-    std::string problem;
-  } cases[] = {
-      {"B" + image.substr(1), kBadByteOrderMark, "Error file endianness."},
-      {"L\x02" + image.substr(2), kBadVersion, "Error version in file."},
-      {"L", kBadVersion, "Error version in file."},
-      {image.substr(0, 5), kBadVersion, "Error data in file."},
-      {image.substr(0, 168), kBadVersion, "Error data in file."},
-  };
-  for (const auto& c : cases) {
-    Aimhue engine = Searched();
-    const Aimhue before = engine;
-    LogCapture log;
-    EXPECT_EQ(engine.FromBuffer(c.bytes.data(), static_cast<int64_t>(c.bytes.size())), c.status);
-    EXPECT_EQ(engine.Load(dir.Write("bad.aimhue", c.bytes)), c.status);
-    EXPECT_EQ(log.Errors(),
-              (Lines{"Aimhue::FromBuffer -- " + c.problem, "Aimhue::Load -- " + c.problem}));
-    EXPECT_TRUE(SameRecord(engine, before));
-  }
-  Aimhue engine;
+TEST(EngineFile, RefusedImagesNamesAndBuffers) {
+  Aimhue engine = Searched();
+  const auto record = [](const Aimhue& e) { return std::string(reinterpret_cast<const char*>(&e), sizeof e); };
+  ExpectDamagedContentRules(engine, Content(Aimhue()), "Aimhue", ".aimhue", record);
+  ExpectFileNameAndOpenRules(Aimhue(), engine, "Aimhue", ".aimhue");
+  ExpectCallerBufferRules(Searched(), 169);
   LogCapture log;
   EXPECT_EQ(engine.FromBuffer(nullptr, 169), kNullInput);
-  EXPECT_EQ(engine.FromBuffer(image.data(), -1), kOutOfRange);
+  EXPECT_EQ(engine.FromBuffer(Content(Aimhue()).data(), -1), kOutOfRange);
   EXPECT_EQ(log.Errors(), Lines{"Aimhue::FromBuffer--Error :: negative buffer size."});
 }
 
-TEST(EngineFile, NamesAndOpenFailures) {
-  Aimhue loaded;
-  testing::ExpectFileNameAndOpenRules(Aimhue(), loaded, "Aimhue", ".aimhue");
-}
-
 }  // namespace
-}  // namespace aimhue
+}  // namespace aimhue::testing

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <numeric>
 
-#include "panel_table.h"
 
 namespace aimhue {
 namespace tool {
@@ -35,14 +34,6 @@ TEST(CorrectionStatistics, PercentilesTakeTheNearestRankOfTheFiniteValues) {
   EXPECT_TRUE(std::isnan(empty.p50) && std::isnan(empty.max));
 }
 
-TEST(CorrectionStatistics, UniformityIsMinOverMaxAndRelativeStandardDeviation) {
-  const Uniformity u = LuminanceUniformity({1.0, 2.0, NAN, 3.0});
-  EXPECT_DOUBLE_EQ(u.mean, 2.0);
-  EXPECT_DOUBLE_EQ(u.minOverMax, 1.0 / 3.0);
-  EXPECT_DOUBLE_EQ(u.relativeStdDev, std::sqrt(2.0 / 3.0) / 2.0);
-  EXPECT_TRUE(std::isnan(LuminanceUniformity({}).mean));
-}
-
 // A 1 x 3 screen: LED 0 corrected with the identity (every emitter at full
 // drive for its own input), LED 1 dimmed to half, LED 2 skipped.
 TEST(CorrectionStatistics, WhiteLuminanceUsesEachEmittersRowSum) {
@@ -67,54 +58,6 @@ TEST(CorrectionStatistics, WhiteLuminanceUsesEachEmittersRowSum) {
   WhiteLuminances(correction, meters, &before, &after);
   EXPECT_EQ(before, (std::vector<double>{8.0, 8.0}));
   EXPECT_EQ(after, (std::vector<double>{8.0, 4.0}));
-}
-
-TEST(PanelTable, SplitsTheScreenIntoPanelsWithSmallerLastOnes) {
-  // 5 columns x 3 rows in panels of 2 x 2: 3 x 2 panels, the last column and
-  // row of panels one LED wide or high.
-  cv::Mat flags = cv::Mat::zeros(3, 5, CV_8UC1);
-  cv::Mat gain(3, 5, CV_32FC1, cv::Scalar(1.0f));
-  cv::Mat before(3, 5, CV_32FC4, cv::Scalar::all(2.0));
-  cv::Mat after(3, 5, CV_32FC4, cv::Scalar::all(0.5));
-  flags.at<uint8_t>(0, 0) = kCorrectionDead;
-  gain.at<float>(0, 0) = 0.0f;
-  before.at<cv::Vec4f>(0, 0) = after.at<cv::Vec4f>(0, 0) = cv::Vec4f::all(NAN);
-  flags.at<uint8_t>(1, 1) = kCorrectionDimmed | kCorrectionClippedBlue;
-  gain.at<float>(1, 1) = 0.5f;
-  after.at<cv::Vec4f>(1, 1)[3] = 3.0f;
-  flags.at<uint8_t>(2, 4) = kCorrectionSingular;
-  gain.at<float>(2, 4) = 0.0f;
-  before.at<cv::Vec4f>(2, 4) = after.at<cv::Vec4f>(2, 4) = cv::Vec4f::all(NAN);
-
-  const std::vector<PanelRow> rows = PanelRows(flags, gain, before, after, ScreenSize{2, 2});
-  ASSERT_EQ(rows.size(), 6u);
-  const PanelRow& first = rows[0];
-  EXPECT_EQ(first.corrected, 3);
-  EXPECT_EQ(first.flagCounts[0], 1);  // dead
-  EXPECT_EQ(first.flagCounts[5], 1);  // clipped blue
-  EXPECT_EQ(first.flagCounts[6], 1);  // dimmed
-  EXPECT_DOUBLE_EQ(first.meanGain, (1.0 + 1.0 + 0.5) / 3.0);  // the dead LED does not count
-  EXPECT_EQ(first.whiteAfter.max, 3.0f);
-  EXPECT_EQ(first.whiteBefore.p50, 2.0f);
-  const PanelRow& corner = rows[5];
-  EXPECT_EQ(corner.panelRow, 1);
-  EXPECT_EQ(corner.panelCol, 2);
-  EXPECT_EQ(corner.row, 2);
-  EXPECT_EQ(corner.col, 4);
-  EXPECT_EQ(corner.rows, 1);
-  EXPECT_EQ(corner.cols, 1);
-  EXPECT_EQ(corner.corrected, 0);
-  EXPECT_TRUE(std::isnan(corner.meanGain));
-
-  std::ostringstream csv;
-  WritePanelCsv(csv, rows);
-  const std::string text = csv.str();
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 7);
-  EXPECT_NE(text.find("panel_row,panel_col,led_row,led_col,rows,cols,corrected,dead,"), std::string::npos);
-  // The panel without a corrected LED has empty fields, not "nan".
-  EXPECT_NE(text.find("1,2,2,4,1,1,0,0,0,1,0,0,0,0,0,,,,,,,\n"), std::string::npos) << text;
-  EXPECT_EQ(FlagText(kCorrectionDimmed | kCorrectionClippedBlue), "clipped-blue+dimmed");
-  EXPECT_EQ(FlagText(0), "-");
 }
 
 }  // namespace

@@ -2,12 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
-#include <opencv2/imgproc.hpp>
-
-#include "spectral_locus.h"
-
 namespace aimhue {
 namespace tool {
 namespace {
@@ -22,32 +16,6 @@ TEST(LedChromaticities, SkipsDeadLedsAndHonoursTheLimit) {
   EXPECT_EQ(all[0], cv::Point2f(0.25f, 0.5f));
   EXPECT_EQ(LedChromaticities(X, Y, Z, 3).size(), 3u);  // LEDs 0, 2, 4
   EXPECT_TRUE(LedChromaticities(X, Y, cv::Mat(), 100).empty());
-}
-
-TEST(SpectralLocus, HoldsEveryReferenceGamut) {
-  const auto& locus = SpectralLocus();
-  // Every reference gamut lies inside the locus, up to the 5 nm polygon's
-  // chords: the BT.2020 primaries are monochromatic and sit on it.
-  std::vector<cv::Point2f> outline;
-  for (const SpectralPoint& point : locus) outline.emplace_back(point.x, point.y);
-  for (const ReferenceGamut& gamut : ReferenceGamuts()) {
-    for (const float* corner : {gamut.red, gamut.green, gamut.blue, gamut.white}) {
-      EXPECT_GE(cv::pointPolygonTest(outline, cv::Point2f(corner[0], corner[1]), true), -0.002)
-          << gamut.name;
-    }
-  }
-}
-
-TEST(DrawGamutPlot, DrawsAFixedSizeImageEvenWithoutData) {
-  GamutPlotInput input;
-  input.title = "empty";
-  const float nan = std::nanf("");
-  input.searchStart.fill({nan, nan, nan});
-  input.targets.fill({nan, nan, nan});
-  const cv::Mat image = DrawGamutPlot(input);
-  EXPECT_EQ(image.cols, kPlotWidth);
-  EXPECT_EQ(image.rows, kPlotHeight);
-  EXPECT_EQ(image.type(), CV_8UC3);
 }
 
 }  // namespace
