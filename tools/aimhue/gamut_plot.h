@@ -16,7 +16,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "report.h"
+#include "report_types.h"
 
 namespace aimhue {
 namespace tool {
