@@ -208,31 +208,6 @@ void DrawInset(cv::Mat& image, const cv::Rect& frame, int primary, const GamutPl
 
 }  // namespace
 
-std::vector<cv::Point2f> LedChromaticities(const cv::Mat& X, const cv::Mat& Y, const cv::Mat& Z,
-                                           std::size_t limit) {
-  std::vector<cv::Point2f> points;
-  if (X.empty() || X.type() != CV_32FC1 || Y.size() != X.size() || Z.size() != X.size() ||
-      Y.type() != CV_32FC1 || Z.type() != CV_32FC1 || limit == 0) {
-    return points;
-  }
-  const std::size_t total = X.total();
-  const std::size_t stride = std::max<std::size_t>(1, (total + limit - 1) / limit);
-  points.reserve(total / stride + 1);
-  const cv::Mat x_plane = X.isContinuous() ? X : X.clone();
-  const cv::Mat y_plane = Y.isContinuous() ? Y : Y.clone();
-  const cv::Mat z_plane = Z.isContinuous() ? Z : Z.clone();
-  const float* xs = x_plane.ptr<float>();
-  const float* ys = y_plane.ptr<float>();
-  const float* zs = z_plane.ptr<float>();
-  for (std::size_t i = 0; i < total; i += stride) {
-    const float sum = xs[i] + ys[i] + zs[i];
-    const float x = xs[i] / sum;
-    const float y = ys[i] / sum;
-    if (std::isfinite(x) && std::isfinite(y)) points.emplace_back(x, y);
-  }
-  return points;
-}
-
 cv::Mat DrawGamutPlot(const GamutPlotInput& input) {
   cv::Mat image(kPlotHeight, kPlotWidth, CV_8UC3, kWhite);
   Viewport main;
