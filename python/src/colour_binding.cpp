@@ -71,26 +71,39 @@ py::array_t<double> NewArray(const py::tuple& leading, py::ssize_t channels) {
   return py::array_t<double>(shape);
 }
 
+// Applies `apply(a, b, out)` to every pair of colours (three values each) of
+// two arrays broadcast together, without the GIL; `out` receives
+// `channels` values per pair (one when `channels` is 0, a scalar per pair).
+template <typename Apply>
+py::array_t<double> MapColourPairs(py::handle first, const char* firstName, py::handle second,
+                                   const char* secondName, py::ssize_t channels, Apply apply) {
+  py::tuple leading;
+  auto [a, b] = BroadcastPair(first, firstName, second, secondName, 3, leading);
+  py::array_t<double> result = NewArray(leading, channels);
+  const double* firsts = a.data();
+  const double* seconds = b.data();
+  double* out = result.mutable_data();
+  const py::ssize_t width = channels > 0 ? channels : 1;
+  const py::ssize_t count = result.size() / width;
+  {
+    py::gil_scoped_release release;
+    for (py::ssize_t i = 0; i < count; ++i) {
+      apply(firsts + 3 * i, seconds + 3 * i, out + width * i);
+    }
+  }
+  return result;
+}
+
 }  // namespace
 
 void RegisterColour(py::module_& module) {
   module.def(
       "delta_e_2000",
       [](py::handle lab1, py::handle lab2) {
-        py::tuple leading;
-        auto [a, b] = BroadcastPair(lab1, "lab1", lab2, "lab2", 3, leading);
-        py::array_t<double> result = NewArray(leading, 0);
-        const double* first = a.data();
-        const double* second = b.data();
-        double* out = result.mutable_data();
-        const py::ssize_t count = result.size();
-        {
-          py::gil_scoped_release release;
-          for (py::ssize_t i = 0; i < count; ++i) {
-            out[i] = CieDe2000(cv::Vec3d(first + 3 * i), cv::Vec3d(second + 3 * i));
-          }
-        }
-        return result;
+        return MapColourPairs(lab1, "lab1", lab2, "lab2", 0,
+                              [](const double* first, const double* second, double* out) {
+                                *out = CieDe2000(cv::Vec3d(first), cv::Vec3d(second));
+                              });
       },
       py::arg("lab1"), py::arg("lab2"),
       R"(The CIEDE2000 colour difference (kL = kC = kH = 1).
@@ -110,21 +123,12 @@ ndarray (...) float64
   module.def(
       "xyz_to_lab",
       [](py::handle xyz, py::handle white) {
-        py::tuple leading;
-        auto [a, b] = BroadcastPair(xyz, "xyz", white, "white", 3, leading);
-        py::array_t<double> result = NewArray(leading, 3);
-        const double* values = a.data();
-        const double* whites = b.data();
-        double* out = result.mutable_data();
-        const py::ssize_t count = result.size() / 3;
-        {
-          py::gil_scoped_release release;
-          for (py::ssize_t i = 0; i < count; ++i) {
-            const cv::Vec3d lab = XyzToLab(cv::Vec3d(values + 3 * i), cv::Vec3d(whites + 3 * i));
-            for (int c = 0; c < 3; ++c) out[3 * i + c] = lab[c];
-          }
-        }
-        return result;
+        return MapColourPairs(xyz, "xyz", white, "white", 3,
+                              [](const double* values, const double* whites, double* out) {
+                                const cv::Vec3d lab =
+                                    XyzToLab(cv::Vec3d(values), cv::Vec3d(whites));
+                                for (int c = 0; c < 3; ++c) out[c] = lab[c];
+                              });
       },
       py::arg("xyz"), py::arg("white"),
       R"(CIE 1976 L*a*b* of tristimulus values relative to a reference white.

@@ -6,28 +6,16 @@
 #include <pybind11/pybind11.h>
 
 #include <cstring>
-#include <optional>
 
 #include "array_checks.h"
 #include "bindings.h"
 #include "errors.h"
+#include "record_methods.h"
 
 namespace py = pybind11;
 
 namespace aimhue::python {
 namespace {
-
-template <typename Call>
-void RunOnCorrection(const char* operation, Call call) {
-  std::optional<LibraryError> failure;
-  {
-    py::gil_scoped_release release;
-    LogCapture capture;
-    const int status = call();
-    if (status != 0) failure = LibraryError{status, operation, capture.Lines()};
-  }
-  if (failure) throw *failure;
-}
 
 CorrectionMode ModeFrom(const std::string& mode) {
   if (mode == "chroma") return CorrectionMode::Chroma;
@@ -42,10 +30,12 @@ const char* ModeName(CorrectionMode mode) {
 }  // namespace
 
 void RegisterCorrection(py::module_& module) {
-  py::class_<Correction>(module, "Correction", R"(The per-LED correction of a screen (see ``aimhue.correct``).
+  py::class_<Correction> correction(module, "Correction",
+                                    R"(The per-LED correction of a screen (see ``aimhue.correct``).
 
 The arrays share the record's memory (they stay valid after it is freed).
-)")
+)");
+  correction
       .def_property_readonly(
           "coeff",
           [](const Correction& self) {
@@ -94,43 +84,12 @@ The arrays share the record's memory (they stay valid after it is freed).
                             py::arg("clipped_blue") = c.clippedBlue, py::arg("dimmed") = c.dimmed,
                             py::arg("rounding_repaired") = c.roundingRepaired);
           },
-          "dict: how many LEDs carry each flag (``corrected`` counts those not skipped).")
-      .def(
-          "save",
-          [](const Correction& self, const std::string& path) {
-            RunOnCorrection("Correction::Save", [&] { return self.Save(path); });
-          },
-          py::arg("path"), "Writes a ``.corr`` file. aimhue.Error 8 (name) or 4 (write).")
-      .def_static(
-          "load",
-          [](const std::string& path) {
-            auto result = std::make_unique<Correction>();
-            RunOnCorrection("Correction::Load", [&] { return result->Load(path); });
-            return result;
-          },
-          py::arg("path"),
-          "Reads a ``.corr`` file. aimhue.Error 8, 2, 10 or 3 as for ``Meter.load``.")
-      .def(
-          "to_bytes",
-          [](const Correction& self) {
-            uint64_t size = 0;
-            RunOnCorrection("Correction::GetBufferSize", [&] { return self.GetBufferSize(&size); });
-            std::string content(size, '\0');
-            RunOnCorrection("Correction::ToBuffer",
-                            [&] { return self.ToBuffer(content.data(), &size); });
-            return py::bytes(content.data(), size);
-          },
-          "The bytes of the ``.corr`` file.")
-      .def_static(
-          "from_bytes",
-          [](const py::bytes& data) {
-            const std::string content = data;
-            auto result = std::make_unique<Correction>();
-            RunOnCorrection("Correction::FromBuffer",
-                            [&] { return result->FromBuffer(content.data(), content.size()); });
-            return result;
-          },
-          py::arg("data"), "A correction from the bytes of a ``.corr`` file.");
+          "dict: how many LEDs carry each flag (``corrected`` counts those not skipped).");
+  DefineRecordFileMethods(
+      correction, "Correction",
+      {"Writes a ``.corr`` file. aimhue.Error 8 (name) or 4 (write).",
+       "Reads a ``.corr`` file. aimhue.Error 8, 2, 10 or 3 as for ``Meter.load``.",
+       "The bytes of the ``.corr`` file.", "A correction from the bytes of a ``.corr`` file."});
 
   module.def(
       "correct",
@@ -151,7 +110,7 @@ The arrays share the record's memory (they stay valid after it is freed).
         TargetLxy points[4];
         std::memcpy(points, block.data(), sizeof(points));
         auto result = std::make_unique<Correction>();
-        RunOnCorrection("CalcCorrection", [&] {
+        RunLibraryCall("CalcCorrection", [&] {
           return CalcCorrection(points, screen.Triple(0), screen.Triple(1), screen.Triple(2),
                                 settings, result.get());
         });

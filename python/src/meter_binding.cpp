@@ -5,30 +5,16 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
-#include <optional>
 
 #include "array_checks.h"
 #include "bindings.h"
 #include "errors.h"
+#include "record_methods.h"
 
 namespace py = pybind11;
 
 namespace aimhue::python {
 namespace {
-
-// Runs a meter operation without the GIL; raises aimhue.Error on a non-zero
-// status.
-template <typename Call>
-void RunOnMeter(const char* operation, Call call) {
-  std::optional<LibraryError> failure;
-  {
-    py::gil_scoped_release release;
-    LogCapture capture;
-    const int status = call();
-    if (status != 0) failure = LibraryError{status, operation, capture.Lines()};
-  }
-  if (failure) throw *failure;
-}
 
 // A copy of `value` as a matrix of `type` with the given name, for planes
 // given to a meter (the meter owns its planes).
@@ -144,7 +130,7 @@ Assigning copies a float32 array into the meter.)")
                                   fields["w"].cast<int32_t>(), fields["h"].cast<int32_t>(),
                                   fields["screen_w"].cast<int32_t>(),
                                   fields["screen_h"].cast<int32_t>()};
-            RunOnMeter("LedMeter::SetPartition", [&] { return self.SetPartition(value); });
+            RunLibraryCall("LedMeter::SetPartition", [&] { return self.SetPartition(value); });
           },
           "dict or None: where the region lies on the screen (x, y, w, h, screen_w, "
           "screen_h), in LEDs. Setting it checks it (aimhue.Error 108).")
@@ -167,7 +153,7 @@ Assigning copies a float32 array into the meter.)")
                                  fields["subpixel_type"].cast<int32_t>(),
                                  fields["w"].cast<int32_t>(), fields["h"].cast<int32_t>(),
                                  fields["pixel_pitch"].cast<float>()};
-            RunOnMeter("LedMeter::SetLedPanel", [&] { return self.SetLedPanel(value); });
+            RunLibraryCall("LedMeter::SetLedPanel", [&] { return self.SetLedPanel(value); });
           },
           "dict or None: the panel geometry (type, layout, subpixel_type, w, h, pixel_pitch). "
           "Setting it checks it (aimhue.Error 106).")
@@ -184,7 +170,7 @@ Assigning copies a float32 array into the meter.)")
             CheckFields(fields, {"index", "linear_norms", "value"}, "layer");
             const Layer value{fields["index"].cast<int32_t>(),
                               fields["linear_norms"].cast<float>(), fields["value"].cast<int32_t>()};
-            RunOnMeter("LedMeter::SetLayer", [&] { return self.SetLayer(value); });
+            RunLibraryCall("LedMeter::SetLayer", [&] { return self.SetLayer(value); });
           },
           "dict or None: the measurement layer (index, linear_norms, value).")
       .def_property(
@@ -205,68 +191,13 @@ Assigning copies a float32 array into the meter.)")
                                 fields["aperture"].cast<int32_t>(),
                                 fields["microfocus"].cast<int32_t>(),
                                 fields["filter"].cast<int32_t>()};
-            RunOnMeter("LedMeter::SetCapture", [&] { return self.SetCapture(value); });
+            RunLibraryCall("LedMeter::SetCapture", [&] { return self.SetCapture(value); });
           },
           "dict or None: the capture settings (exposure, gain, aperture, microfocus, filter).")
-      .def_static(
-          "load",
-          [](const std::string& path) {
-            auto result = std::make_unique<LedMeter>();
-            RunOnMeter("LedMeter::Load", [&] { return result->Load(path); });
-            return result;
-          },
-          py::arg("path"),
-          R"(Reads a ``.meter`` file.
-
-Raises
-------
-aimhue.Error
-    8 (name not ending in ".meter"), 2 (cannot open), 10 (byte-order mark),
-    3 (version, or damaged or truncated data).
-)")
-      .def(
-          "save",
-          [](const LedMeter& self, const std::string& path) {
-            RunOnMeter("LedMeter::Save", [&] { return self.Save(path); });
-          },
-          py::arg("path"),
-          R"(Writes the meter as a ``.meter`` file.
-
-Raises
-------
-aimhue.Error
-    8 (name not ending in ".meter"), 4 (cannot be written).
-)")
-      .def(
-          "to_bytes",
-          [](const LedMeter& self) {
-            uint64_t size = 0;
-            RunOnMeter("LedMeter::GetBufferSize", [&] { return self.GetBufferSize(&size); });
-            std::string content(size, '\0');
-            RunOnMeter("LedMeter::ToBuffer", [&] { return self.ToBuffer(content.data(), &size); });
-            return py::bytes(content.data(), size);
-          },
-          R"(The bytes of the meter's ``.meter`` file.
-
-Raises
-------
-aimhue.Error
-    5 when the meter has no values.
-)")
-      .def_static(
-          "from_bytes",
-          [](const py::bytes& data) {
-            const std::string content = data;
-            auto result = std::make_unique<LedMeter>();
-            RunOnMeter("LedMeter::FromBuffer",
-                       [&] { return result->FromBuffer(content.data(), content.size()); });
-            return result;
-          },
-          py::arg("data"), "A meter from the bytes of a ``.meter`` file (errors as ``load``).")
       .def(
           "fix_dead_points",
           [](LedMeter& self) {
-            RunOnMeter("LedMeter::FixDeadPoint", [&] { return self.FixDeadPoint(); });
+            RunLibraryCall("LedMeter::FixDeadPoint", [&] { return self.FixDeadPoint(); });
           },
           R"(Replaces each dead LED's value (state bit 0) by the 3 x 3 median around it.
 
@@ -280,6 +211,30 @@ aimhue.Error
                " type=" + std::to_string(self.type) + " shape=(" +
                std::to_string(self.chroma.rows) + ", " + std::to_string(self.chroma.cols) + ")>";
       });
+  DefineRecordFileMethods(meter, "LedMeter",
+                          {R"(Writes the meter as a ``.meter`` file.
+
+Raises
+------
+aimhue.Error
+    8 (name not ending in ".meter"), 4 (cannot be written).
+)",
+                           R"(Reads a ``.meter`` file.
+
+Raises
+------
+aimhue.Error
+    8 (name not ending in ".meter"), 2 (cannot open), 10 (byte-order mark),
+    3 (version, or damaged or truncated data).
+)",
+                           R"(The bytes of the meter's ``.meter`` file.
+
+Raises
+------
+aimhue.Error
+    5 when the meter has no values.
+)",
+                           "A meter from the bytes of a ``.meter`` file (errors as ``load``)."});
 }
 
 }  // namespace aimhue::python

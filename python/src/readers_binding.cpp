@@ -11,6 +11,7 @@
 #include "array_checks.h"
 #include "bindings.h"
 #include "errors.h"
+#include "record_methods.h"
 
 namespace py = pybind11;
 
@@ -32,18 +33,6 @@ py::array ReadImage(const char* operation, Read read) {
   }
   if (failure) throw *failure;
   return ShareAsArray(image);
-}
-
-template <typename Call>
-void RunOnShot(const char* operation, Call call) {
-  std::optional<LibraryError> failure;
-  {
-    py::gil_scoped_release release;
-    LogCapture capture;
-    const int status = call();
-    if (status != 0) failure = LibraryError{status, operation, capture.Lines()};
-  }
-  if (failure) throw *failure;
 }
 
 }  // namespace
@@ -135,54 +124,13 @@ aimhue.Error
     error's lines).
 )");
 
-  py::class_<Shot>(module, "Shot", R"(One camera capture with its metadata, as stored in ``.shot`` files.
+  py::class_<Shot> shot(module, "Shot",
+                        R"(One camera capture with its metadata, as stored in ``.shot`` files.
 
 Only reading, writing and the image are offered here; captures are built
 into meters by the calibration host.
-)")
-      .def_static(
-          "load",
-          [](const std::string& path) {
-            auto shot = std::make_unique<Shot>();
-            RunOnShot("Shot::Load", [&] { return shot->Load(path); });
-            return shot;
-          },
-          py::arg("path"),
-          R"(Reads a ``.shot`` file.
-
-Raises
-------
-aimhue.Error
-    8 (name not ending in ".shot"), 2 (cannot open), 10 (byte-order mark),
-    3 (version, damaged or truncated data).
-)")
-      .def_static(
-          "from_bytes",
-          [](const py::bytes& data) {
-            const std::string content = data;
-            auto shot = std::make_unique<Shot>();
-            RunOnShot("Shot::FromBuffer",
-                      [&] { return shot->FromBuffer(content.data(), content.size()); });
-            return shot;
-          },
-          py::arg("data"), "A shot from the bytes of a ``.shot`` file (errors as ``load``).")
-      .def(
-          "save",
-          [](const Shot& self, const std::string& path) {
-            RunOnShot("Shot::Save", [&] { return self.Save(path); });
-          },
-          py::arg("path"),
-          "Writes a ``.shot`` file (the image stored as uint16). aimhue.Error 8 or 4.")
-      .def(
-          "to_bytes",
-          [](const Shot& self) {
-            size_t size = 0;
-            RunOnShot("Shot::GetBufferSize", [&] { return self.GetBufferSize(&size); });
-            std::string content(size, '\0');
-            RunOnShot("Shot::ToBuffer", [&] { return self.ToBuffer(content.data(), &size); });
-            return py::bytes(content.data(), size);
-          },
-          "The bytes of the shot's ``.shot`` file. aimhue.Error 5 for an empty image.")
+)");
+  shot
       .def_property_readonly(
           "image", [](const Shot& self) { return ShareAsArray(self.image); },
           "ndarray: the capture (uint16, or float32 after a colour conversion); shares the "
@@ -194,6 +142,19 @@ aimhue.Error
             return self.color ? py::object(py::int_(*self.color)) : py::object(py::none());
           },
           "int or None: the displayed primary (the caller's code).");
+  DefineRecordFileMethods(
+      shot, "Shot",
+      {"Writes a ``.shot`` file (the image stored as uint16). aimhue.Error 8 or 4.",
+       R"(Reads a ``.shot`` file.
+
+Raises
+------
+aimhue.Error
+    8 (name not ending in ".shot"), 2 (cannot open), 10 (byte-order mark),
+    3 (version, damaged or truncated data).
+)",
+       "The bytes of the shot's ``.shot`` file. aimhue.Error 5 for an empty image.",
+       "A shot from the bytes of a ``.shot`` file (errors as ``load``)."});
 }
 
 }  // namespace aimhue::python

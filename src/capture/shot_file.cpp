@@ -18,6 +18,7 @@
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
 #include "capture/file_stream.h"
+#include "capture/format_operations.h"
 #include "capture/matrix_block.h"
 #include "capture/record_io.h"
 #include "common/exception_guard.h"
@@ -127,11 +128,8 @@ int Parse(const char* who, ByteReader& in, Shot& shot) {
 }  // namespace
 
 int Shot::Save(const std::string& fullname) const {
-  PlumeLogInfo("Shot::Save");
-  return GuardExceptions("Shot::Save", [&] {
-    return SaveFormatStream("Shot::Save", fullname, kShotExtension,
-                            [&](ByteWriter& out) { Write(*this, out); });
-  });
+  return SaveFormat("Shot::Save", fullname, kShotExtension,
+                    [&](ByteWriter& out) { Write(*this, out); });
 }
 
 int Shot::Load(const std::string& fullname) {
@@ -176,12 +174,8 @@ int Shot::ToBuffer(char* buffer, size_t* size) const {
 }
 
 int Shot::FromBuffer(const char* buffer, size_t size) {
-  PlumeLogInfo("Shot::FromBuffer");
-  if (buffer == nullptr) return kNullInput;
-  return GuardExceptions("Shot::FromBuffer", [&] {
-    ByteReader in(buffer, size);
-    return Parse("Shot::FromBuffer", in, *this);
-  });
+  return ReadFormatBuffer("Shot::FromBuffer", buffer, size,
+                          [&](ByteReader& in) { return Parse("Shot::FromBuffer", in, *this); });
 }
 
 }  // namespace aimhue

@@ -117,18 +117,30 @@ double AScale(double a1, double b1, double a2, double b2) {
   return 1.0 + 0.5 * (1.0 - std::sqrt(chromaMean7 / (chromaMean7 + kChromaPivot7)));
 }
 
+// The first steps of both versions: L* and b* as given, a* scaled by
+// (1 + G) and the chroma C' of the scaled (a*, b*), of each colour.
+struct PrimedPair {
+  double L1, b1, a1p, c1p;
+  double L2, b2, a2p, c2p;
+};
+
+PrimedPair Prime(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
+  const double a1 = lab1[1], b1 = lab1[2];
+  const double a2 = lab2[1], b2 = lab2[2];
+  const double aScale = AScale(a1, b1, a2, b2);
+  const double a1p = aScale * a1;
+  const double a2p = aScale * a2;
+  return {lab1[0], b1, a1p, std::sqrt(a1p * a1p + b1 * b1),
+          lab2[0], b2, a2p, std::sqrt(a2p * a2p + b2 * b2)};
+}
+
 }  // namespace
 
 // Sharma, Wu and Dalal (2005), equations (2) to (22).
 double CieDe2000Literal(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
-  const double L1 = lab1[0], a1 = lab1[1], b1 = lab1[2];
-  const double L2 = lab2[0], a2 = lab2[1], b2 = lab2[2];
-
-  const double aScale = AScale(a1, b1, a2, b2);
-  const double a1p = aScale * a1;
-  const double a2p = aScale * a2;
-  const double c1p = std::sqrt(a1p * a1p + b1 * b1);
-  const double c2p = std::sqrt(a2p * a2p + b2 * b2);
+  const PrimedPair pair = Prime(lab1, lab2);
+  const double L1 = pair.L1, b1 = pair.b1, a1p = pair.a1p, c1p = pair.c1p;
+  const double L2 = pair.L2, b2 = pair.b2, a2p = pair.a2p, c2p = pair.c2p;
   const double h1p = HueDegrees(b1, a1p);
   const double h2p = HueDegrees(b2, a2p);
 
@@ -177,14 +189,9 @@ double CieDe2000Literal(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
 // literal version, whose conventions decide them. The two versions agree to
 // rounding (about 1e-12 of the difference).
 double CieDe2000(const cv::Vec3d& lab1, const cv::Vec3d& lab2) {
-  const double L1 = lab1[0], a1 = lab1[1], b1 = lab1[2];
-  const double L2 = lab2[0], a2 = lab2[1], b2 = lab2[2];
-
-  const double aScale = AScale(a1, b1, a2, b2);
-  const double a1p = aScale * a1;
-  const double a2p = aScale * a2;
-  const double c1p = std::sqrt(a1p * a1p + b1 * b1);
-  const double c2p = std::sqrt(a2p * a2p + b2 * b2);
+  const PrimedPair pair = Prime(lab1, lab2);
+  const double L1 = pair.L1, b1 = pair.b1, a1p = pair.a1p, c1p = pair.c1p;
+  const double L2 = pair.L2, b2 = pair.b2, a2p = pair.a2p, c2p = pair.c2p;
   const double chromaProduct = c1p * c2p;
   const double dot = a1p * a2p + b1 * b2;
   const double cross = a1p * b2 - b1 * a2p;

@@ -19,6 +19,7 @@
 
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
+#include "capture/format_operations.h"
 #include "capture/matrix_block.h"
 #include "capture/record_io.h"
 #include "common/exception_guard.h"
@@ -126,21 +127,14 @@ int Parse(const char* who, ByteReader& in, LedMeter& meter) {
 }  // namespace
 
 int LedMeter::Save(const std::string& fullname) const {
-  constexpr char kWho[] = "LedMeter::Save";
-  PlumeLogInfo(kWho);
-  return GuardExceptions(kWho, [&] {
-    return SaveFormatStream(kWho, fullname, kMeterExtension,
-                            [&](ByteWriter& out) { Write(*this, out); });
-  });
+  return SaveFormat("LedMeter::Save", fullname, kMeterExtension,
+                    [&](ByteWriter& out) { Write(*this, out); });
 }
 
 int LedMeter::Load(const std::string& fullname) {
   constexpr char kWho[] = "LedMeter::Load";
-  PlumeLogInfo(kWho);
-  return GuardExceptions(kWho, [&] {
-    return LoadFormatStream(kWho, fullname, kMeterExtension,
-                            [&](ByteReader& in) { return Parse(kWho, in, *this); });
-  });
+  return LoadFormat(kWho, fullname, kMeterExtension,
+                    [&](ByteReader& in) { return Parse(kWho, in, *this); });
 }
 
 int LedMeter::GetBufferSize(uint64_t* size) const {
@@ -152,27 +146,14 @@ int LedMeter::GetBufferSize(uint64_t* size) const {
 }
 
 int LedMeter::ToBuffer(char* buffer, uint64_t* size) const {
-  constexpr char kWho[] = "LedMeter::ToBuffer";
-  PlumeLogInfo(kWho);
-  const uint64_t needed = ContentSize(*this);
-  const int status = CheckOutputBuffer(buffer, size, needed);
-  if (status != kOk) return status;
-  return GuardExceptions(kWho, [&] {
-    ByteWriter out(buffer, static_cast<size_t>(needed));
-    Write(*this, out);
-    *size = needed;
-    return static_cast<int>(kOk);
-  });
+  return WriteFormatBuffer("LedMeter::ToBuffer", buffer, size, ContentSize(*this),
+                           [&](ByteWriter& out) { Write(*this, out); });
 }
 
 int LedMeter::FromBuffer(const char* buffer, uint64_t size) {
   constexpr char kWho[] = "LedMeter::FromBuffer";
-  PlumeLogInfo(kWho);
-  if (buffer == nullptr) return kNullInput;
-  return GuardExceptions(kWho, [&] {
-    ByteReader in(buffer, static_cast<size_t>(size));
-    return Parse(kWho, in, *this);
-  });
+  return ReadFormatBuffer(kWho, buffer, size,
+                          [&](ByteReader& in) { return Parse(kWho, in, *this); });
 }
 
 }  // namespace aimhue

@@ -6,8 +6,6 @@
 #include <aimhue/status.h>
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <atomic>
 #include <fstream>
 #include <iterator>
@@ -91,18 +89,6 @@ TEST(FileStream, FilesHoldAndLoadWhatBuffersHoldAndLoad) {
     ASSERT_TRUE(BIO::LoadBinToMat(dir.Path("m.bin"), loaded));
     EXPECT_EQ(BlockBytes(loaded), BlockBytes(mat)) << type;
   }
-}
-
-// A save to a FIFO that no process reads is refused at once instead of
-// waiting for a reader forever.
-TEST(FileStream, SavingToAnUnreadFifoIsRefusedAtOnce) {
-  TempDir dir;
-  const std::string fifo = dir.Path("unread.meter");
-  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-  LogCapture log;
-  EXPECT_EQ(LargeMeter().Save(fifo), kOpenWriteFailed);
-  FileSink sink;
-  EXPECT_FALSE(sink.Open(fifo));
 }
 
 // A meter file rewritten, cut and grown by another thread while it is

@@ -20,7 +20,6 @@
 namespace aimhue::testing {
 namespace {
 
-
 // Runs `check` in a child process that is killed after two seconds, so that a
 // reader that blocks on a FIFO or reads a device without end fails the test
 // instead of hanging the suite or filling the memory. True when the child
@@ -81,6 +80,20 @@ const Reader kReaders[] = {
     {".meter", "LedMeter::Load" + kOpenFailure,
      [](const std::string& name) { return LedMeter().Load(name) == kOpenReadFailed; }},
 };
+
+// A save to a FIFO that no process reads is refused at once instead of
+// waiting for a reader forever.
+TEST(RegularFile, SavingToAnUnreadFifoIsRefusedAtOnce) {
+  TempDir dir;
+  const std::string fifo = dir.Path("unread.meter");
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_TRUE(HoldsWithinTwoSeconds([&fifo] {
+    LogCapture log;
+    LedMeter meter;
+    meter.chroma = cv::Mat::ones(2, 2, CV_32FC1);
+    return meter.Save(fifo) == kOpenWriteFailed;
+  }));
+}
 
 TEST(RegularFile, EveryReaderRefusesFifosDevicesAndDirectoriesAtOnce) {
   TempDir dir;

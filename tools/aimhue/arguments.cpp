@@ -82,16 +82,27 @@ bool IsDecimalNumber(const std::string& text) {
   return end == trimmed.c_str() + trimmed.size();
 }
 
-std::optional<float> ParseFloat(const std::string& text) {
-  if (!IsDecimalNumber(text)) return std::nullopt;
-  const std::string trimmed = Trim(text);
+namespace {
+
+// The whole of `text` read by `convert` (std::strtof or std::strtod), when it
+// is finite and neither overflows nor underflows.
+template <typename Number, typename Convert>
+std::optional<Number> ReadWhole(const std::string& text, Convert convert) {
   errno = 0;
   char* end = nullptr;
-  const float value = std::strtof(trimmed.c_str(), &end);
-  if (end != trimmed.c_str() + trimmed.size() || errno == ERANGE || !std::isfinite(value)) {
+  const Number value = convert(text.c_str(), &end);
+  if (end != text.c_str() + text.size() || errno == ERANGE || !std::isfinite(value)) {
     return std::nullopt;
   }
   return value;
+}
+
+}  // namespace
+
+std::optional<float> ParseFloat(const std::string& text) {
+  if (!IsDecimalNumber(text)) return std::nullopt;
+  return ReadWhole<float>(Trim(text),
+                          [](const char* begin, char** end) { return std::strtof(begin, end); });
 }
 
 std::optional<std::vector<float>> ParseFloatList(const std::string& text, std::size_t count) {
@@ -123,13 +134,8 @@ std::optional<double> ParseKelvin(const std::string& text) {
   // Read in double: a temperature such as 6504.38938305 K keeps its digits.
   const std::string number = trimmed.substr(0, trimmed.size() - 1);
   if (!ParseFloat(number)) return std::nullopt;  // plain decimal notation only
-  errno = 0;
-  char* end = nullptr;
-  const double value = std::strtod(number.c_str(), &end);
-  if (end != number.c_str() + number.size() || errno == ERANGE || !std::isfinite(value)) {
-    return std::nullopt;
-  }
-  return value;
+  return ReadWhole<double>(number,
+                           [](const char* begin, char** end) { return std::strtod(begin, end); });
 }
 
 std::optional<WhitePoint> ParseWhitePoint(const std::string& text) {

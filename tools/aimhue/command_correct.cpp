@@ -53,10 +53,6 @@ CorrectionSettings ParseCorrectionSettings(const CorrectOptions& options) {
   }
   settings.quantile = *quantile;
   settings.mode = options.mode == "brightness" ? CorrectionMode::Brightness : CorrectionMode::Chroma;
-  if (options.bits != 0 && (options.bits < 8 || options.bits > 16)) {
-    throw CommandError(kExitUsage, "--bits: expected 0 (float coefficients) or 8 to 16, got " +
-                                       std::to_string(options.bits));
-  }
   settings.bits = options.bits;
   if (!EndsWith(options.output, ".corr")) {
     throw CommandError(kExitUsage, "-o: the correction file's name must end in .corr, got '" +
@@ -65,9 +61,6 @@ CorrectionSettings ParseCorrectionSettings(const CorrectOptions& options) {
   if (!options.map.empty() && !EndsWith(options.map, ".png")) {
     throw CommandError(kExitUsage, "--map: the picture's name must end in .png, got '" +
                                        options.map + "'");
-  }
-  if (options.worst < 0 || options.worst > kMaxWorstLeds) {
-    throw CommandError(kExitUsage, "--worst: expected 0 to " + std::to_string(kMaxWorstLeds));
   }
   if (!options.exportDirectory.empty() && std::filesystem::exists(options.exportDirectory) &&
       !std::filesystem::is_directory(options.exportDirectory)) {
@@ -80,12 +73,7 @@ CorrectionSettings ParseCorrectionSettings(const CorrectOptions& options) {
 // The --panel option; empty when not given.
 std::optional<ScreenSize> ParsePanelOption(const CorrectOptions& options) {
   if (options.panel.empty()) return std::nullopt;
-  const auto panel = ParseScreenSize(options.panel);
-  if (!panel) {
-    throw CommandError(kExitUsage, "--panel: expected WIDTHxHEIGHT in LEDs, got '" +
-                                       options.panel + "'");
-  }
-  return panel;
+  return ScreenSizeOf(options.panel);
 }
 
 int RunCorrect(const CorrectOptions& options) {
@@ -205,11 +193,13 @@ void AddCorrectCommand(CLI::App& app, int& exit_status) {
                    " many bits (full scale 2^bits - 1), as a controller stores them, and predicts"
                    " the result with the rounded values.")
       ->capture_default_str()
+      ->check((CLI::Range(0, 0) | CLI::Range(8, 16)).description(""))
       ->type_name("B");
   command
       ->add_option("--panel", options->panel,
                    "LED size of one panel for --panels and the map's borders; default: the"
                    " panel size the meters carry, if any.")
+      ->check(ScreenSizeText("WIDTHxHEIGHT in LEDs"))
       ->type_name("WxH");
   command->add_option("-o,--output", options->output,
                       "Correction file (coefficients, flags, gains and colour differences); the"
@@ -228,9 +218,11 @@ void AddCorrectCommand(CLI::App& app, int& exit_status) {
                       "Also write one CSV row per panel: its position, flag counts, mean gain and"
                       " the white CIEDE2000 p50, p95 and maximum before and after.")
       ->type_name("FILE.csv");
-  command->add_option("--worst", options->worst,
-                      "List the N LEDs with the largest white difference after correction: row,"
-                      " column, flags, gain and the four differences.")
+  command
+      ->add_option("--worst", options->worst,
+                   "List the N LEDs with the largest white difference after correction: row,"
+                   " column, flags, gain and the four differences.")
+      ->check(CLI::Range(0, kMaxWorstLeds).description(""))
       ->type_name("N");
   command->add_option("--map", options->map,
                       "Also draw the correction map into this PNG file: the white difference"

@@ -23,7 +23,7 @@ struct DemoOptions {
 };
 
 int RunDemo(const DemoOptions& options) {
-  const ScreenSize size = RequireScreenSize(options.size);
+  const ScreenSize size = ScreenSizeOf(options.size);
   const CalibrationSettings settings = ParseCalibrationSettings(options.calibration);
   MakeDirectory(options.out);
   const std::filesystem::path folder(options.out);
@@ -72,9 +72,7 @@ void AddDemoCommand(CLI::App& app, int& exit_status) {
       " report and writes result.aimhue, report.json and gamut.png into the output directory."
       " Then corrects every LED to the targets, prints the correction's report and writes"
       " correction.corr and the map correction_map.png.");
-  command->add_option("--size", options->size, "Screen size in LEDs, WIDTHxHEIGHT.")
-      ->capture_default_str()
-      ->type_name("WxH");
+  AddScreenSizeOption(*command, options->size)->capture_default_str();
   command->add_option("--seed", options->seed, "Seed of the synthetic screen; a seed always gives"
                                                " the same screen.")
       ->capture_default_str()

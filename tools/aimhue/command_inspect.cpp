@@ -1,6 +1,7 @@
 // aimhue inspect: what a result, meter or capture file holds.
 #include <algorithm>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -17,7 +18,7 @@ namespace {
 struct InspectOptions {
   std::vector<std::string> files;
   bool json = false;
-  std::string led;  // ROW,COL for .corr files
+  std::vector<int> led;  // row and column for .corr files; empty when not given
 };
 
 // One LED of a correction file; other kinds of file have no LEDs to show.
@@ -30,12 +31,7 @@ ReportJson InspectLedOf(const std::string& file, const LedPosition& led) {
 
 int RunInspect(const InspectOptions& options) {
   std::optional<LedPosition> led;
-  if (!options.led.empty()) {
-    led = ParseLedPosition(options.led);
-    if (!led) {
-      throw CommandError(kExitUsage, "--led: expected ROW,COL (from 0), got '" + options.led + "'");
-    }
-  }
+  if (options.led.size() == 2) led = LedPosition{options.led[0], options.led[1]};
   int exit_status = kExitOk;
   ReportJson all = ReportJson::array();
   for (const std::string& file : options.files) {
@@ -79,9 +75,15 @@ void AddInspectCommand(CLI::App& app, int& exit_status) {
   command->add_flag("--json", options->json,
                     "Print one JSON array with an object per file instead of text; a file that"
                     " cannot be read gives an object with an \"error\" text.");
-  command->add_option("--led", options->led,
-                      "For .corr files: show the LED at this row and column (from 0) instead of"
-                      " the whole screen.")
+  command
+      ->add_option("--led", options->led,
+                   "For .corr files: show the LED at this row and column (from 0) instead of"
+                   " the whole screen.")
+      ->delimiter(',')
+      ->type_size(2)  // one position of two numbers
+      ->expected(1)
+      ->allow_extra_args(false)  // the files that follow are not LED positions
+      ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""))
       ->type_name("ROW,COL");
   command->footer(
       "Examples:\n"

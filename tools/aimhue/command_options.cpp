@@ -46,13 +46,25 @@ CLI::Validator FileNameEnding(const std::string& extension) {
       "", "file name ending in " + extension);
 }
 
-ScreenSize RequireScreenSize(const std::string& text) {
+CLI::Validator ScreenSizeText(const std::string& expected) {
+  return CLI::Validator(
+      [expected](std::string& text) {
+        return ParseScreenSize(text) ? std::string()
+                                     : "expected " + expected + ", got '" + text + "'";
+      },
+      "", "screen size WIDTHxHEIGHT");
+}
+
+CLI::Option* AddScreenSizeOption(CLI::App& command, std::string& size) {
+  return command.add_option("--size", size, "Screen size in LEDs, WIDTHxHEIGHT.")
+      ->check(ScreenSizeText("WIDTHxHEIGHT with at most " + std::to_string(kMaxScreenLeds) +
+                             " LEDs"))
+      ->type_name("WxH");
+}
+
+ScreenSize ScreenSizeOf(const std::string& text) {
   const auto size = ParseScreenSize(text);
-  if (!size) {
-    throw CommandError(kExitUsage, "--size: expected WIDTHxHEIGHT with at most " +
-                                       std::to_string(kMaxScreenLeds) + " LEDs, got '" + text +
-                                       "'");
-  }
+  if (!size) throw CommandError(kExitUsage, "expected WIDTHxHEIGHT, got '" + text + "'");
   return *size;
 }
 

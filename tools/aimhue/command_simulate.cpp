@@ -31,7 +31,7 @@ std::string MeterFileBytes(const LedMeter& meter, const std::string& file) {
 }
 
 int RunSimulate(const SimulateOptions& options) {
-  const ScreenSize size = RequireScreenSize(options.size);
+  const ScreenSize size = ScreenSizeOf(options.size);
   const int64_t leds = static_cast<int64_t>(size.cols) * size.rows;
   if (options.dead < 0 || options.dead > leds || options.outliers < 0 || options.outliers > leds) {
     throw CommandError(kExitUsage, "--dead and --outliers must lie between 0 and the number of"
@@ -69,9 +69,7 @@ void AddSimulateCommand(CLI::App& app, int& exit_status) {
       " output directory, one file name per line on standard output. The files are ordinary"
       " .meter files: `calibrate`, `judge`, `coverage` and `inspect` read them like real"
       " measurements.");
-  command->add_option("--size", options->size, "Screen size in LEDs, WIDTHxHEIGHT.")
-      ->required()
-      ->type_name("WxH");
+  AddScreenSizeOption(*command, options->size)->required();
   command->add_option("--seed", options->seed, "Seed of the synthetic screen.")
       ->capture_default_str()
       ->type_name("N");

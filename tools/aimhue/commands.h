@@ -39,9 +39,17 @@ CLI::Validator FileNameEnding(const std::string& extension);
 // The help footer's paragraph on the AIMHUE_LOG environment variable.
 extern const char* const kEnvironmentHelp;
 
-// The screen size of a --size option; CommandError (exit status 2) when it
-// is malformed or larger than kMaxScreenLeds.
-ScreenSize RequireScreenSize(const std::string& text);
+// Accepts a screen size as ParseScreenSize does; the message of a refusal
+// reads "expected <expected>, got '<text>'".
+CLI::Validator ScreenSizeText(const std::string& expected);
+
+// The --size option of the commands that generate a screen: WIDTHxHEIGHT
+// with at most kMaxScreenLeds LEDs.
+CLI::Option* AddScreenSizeOption(CLI::App& command, std::string& size);
+
+// The size of an option checked by ScreenSizeText; CommandError (exit
+// status 2) should the text not be a size after all.
+ScreenSize ScreenSizeOf(const std::string& text);
 
 // Creates `directory` and its parents when missing; CommandError (exit
 // status 4) when that fails.

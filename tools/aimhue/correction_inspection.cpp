@@ -16,16 +16,6 @@ namespace {
 const char* const kPrimaryNames[3] = {"red", "green", "blue"};
 const char* const kChannelNames[4] = {"red", "green", "blue", "white"};
 
-std::optional<int> ParseIndex(const std::string& text) {
-  if (text.empty() || text.size() > 9) return std::nullopt;
-  int value = 0;
-  for (const char c : text) {
-    if (c < '0' || c > '9') return std::nullopt;
-    value = value * 10 + (c - '0');
-  }
-  return value;
-}
-
 ReportJson PercentilesJson(const Percentiles& p) {
   return ReportJson{{"p50", p.p50}, {"p95", p.p95}, {"p99", p.p99}, {"max", p.max}};
 }
@@ -101,15 +91,6 @@ void PrintLed(std::ostream& out, const ReportJson& json) {
 }
 
 }  // namespace
-
-std::optional<LedPosition> ParseLedPosition(const std::string& text) {
-  const std::size_t comma = text.find(',');
-  if (comma == std::string::npos) return std::nullopt;
-  const auto row = ParseIndex(text.substr(0, comma));
-  const auto col = ParseIndex(text.substr(comma + 1));
-  if (!row || !col) return std::nullopt;
-  return LedPosition{*row, *col};
-}
 
 ReportJson InspectCorrection(const std::string& file, const std::optional<LedPosition>& led) {
   Correction correction;

@@ -18,9 +18,6 @@ struct LedPosition {
   int col = 0;
 };
 
-// "ROW,COL": two non-negative decimal integers.
-std::optional<LedPosition> ParseLedPosition(const std::string& text);
-
 // Loads a .corr file and describes it ("kind": "corr"): screen size,
 // settings, scale, scaled targets, flag counts and the white CIEDE2000
 // percentiles before and after. With `led`, describes that LED instead

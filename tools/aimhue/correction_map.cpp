@@ -9,6 +9,8 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "picture_text.h"
+
 namespace aimhue {
 namespace tool {
 namespace {
@@ -17,15 +19,14 @@ namespace {
 // difference scale (viridis: dark violet through green to yellow), so a
 // skipped LED never reads as a difference.
 const cv::Scalar kBackground(255, 255, 255);
-const cv::Scalar kInk(40, 40, 40);
+const cv::Scalar& kInk = kPictureInk;
 const cv::Scalar kMuted(110, 110, 110);
-const cv::Scalar kFrame(150, 150, 150);
+const cv::Scalar& kFrame = kPictureFrame;
 const cv::Vec3b kSkippedColour(30, 20, 220);    // red
 const cv::Vec3b kClippedColour(0, 150, 245);    // orange
 const cv::Vec3b kDimmedColour(230, 100, 30);    // blue
 const cv::Vec3b kPlainColour(228, 228, 228);    // light grey: corrected, nothing to note
 
-constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
 constexpr int kMargin = 30;
 constexpr int kGap = 30;
 constexpr int kViewTop = 100;
@@ -64,12 +65,7 @@ std::string Short(double value) {
 
 void Text(cv::Mat& image, const std::string& text, int x, int baseline, double size,
           const cv::Scalar& colour, int thickness = 1) {
-  cv::putText(image, text, {x, baseline}, kFont, size, colour, thickness, cv::LINE_AA);
-}
-
-int TextWidth(const std::string& text, double size) {
-  int unused = 0;
-  return cv::getTextSize(text, kFont, size, 1, &unused).width;
+  PictureText(image, text, {x, baseline}, size, colour, thickness);
 }
 
 // The views at one pixel per `reduction` x `reduction` LEDs: the largest
@@ -201,7 +197,7 @@ void DrawColourBar(cv::Mat& image, int x, int y, float top) {
     cv::line(image, {tick, y + kBarHeight}, {tick, y + kBarHeight + 4}, kInk, 1);
     char label[16];
     std::snprintf(label, sizeof label, step < 1.0f ? "%.1f" : "%.0f", static_cast<double>(value));
-    Text(image, label, tick - TextWidth(label, 0.45) / 2, y + kBarHeight + 20, 0.45, kInk);
+    Text(image, label, tick - PictureTextWidth(label, 0.45) / 2, y + kBarHeight + 20, 0.45, kInk);
   }
 }
 
@@ -312,7 +308,7 @@ cv::Mat DrawCorrectionMap(const CorrectionMapInput& input) {
   for (const auto& entry : kLegend) {
     const std::string label = std::string(entry.label) + " (" +
                               std::to_string(counts[entry.category]) + ")";
-    const int width = 22 + TextWidth(label, 0.5) + 28;
+    const int width = 22 + PictureTextWidth(label, 0.5) + 28;
     if (x + width > kMargin + content_width) {
       x = kMargin;
       baseline += 26;

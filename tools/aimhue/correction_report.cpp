@@ -3,26 +3,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 
 #include "panel_table.h"
+#include "text_format.h"
 
 namespace aimhue {
 namespace tool {
 namespace {
 
 const char* const kChannelNames[kDifferenceChannels] = {"red", "green", "blue", "white"};
-
-std::string Format(const char* format, ...) __attribute__((format(printf, 1, 2)));
-std::string Format(const char* format, ...) {
-  char line[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(line, sizeof line, format, args);
-  va_end(args);
-  return line;
-}
 
 std::string Fixed(double value, int decimals = 2) {
   if (!std::isfinite(value)) return "n/a";

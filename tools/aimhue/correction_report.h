@@ -6,46 +6,18 @@
 #include <aimhue/correction.h>
 
 #include <ostream>
-#include <string>
 #include <vector>
 
-#include <opencv2/core.hpp>
-
-#include "correction_statistics.h"
+#include "correction_report_types.h"
 #include "report.h"
 
 namespace aimhue {
 namespace tool {
 
-// One LED of the worst list.
-struct WorstLed {
-  int row = 0;
-  int col = 0;
-  uint8_t flags = 0;
-  float gain = 0.0f;
-  cv::Vec4f before;  // CIEDE2000 red, green, blue, white before correction
-  cv::Vec4f after;   // and after
-};
-
 // The `count` corrected LEDs with the largest white difference after
 // correction, largest first (ties in row-major order); fewer when the
 // screen has fewer corrected LEDs.
 std::vector<WorstLed> WorstLeds(const Correction& correction, int count);
-
-struct CorrectionReport {
-  std::string source;       // the measurement
-  std::string targetsFile;  // where the targets came from ("" for the demo's own)
-  ScreenSize screen;
-  ScreenSize panel;         // 0 x 0 when unknown
-  CorrectionSettings settings;
-  float scale = 0.0f;
-  TargetBlock targets{};    // the scaled targets
-  CorrectionCounts counts{};
-  CorrectionSummary summary;
-  std::vector<WorstLed> worst;
-  std::vector<TimedStep> timings;
-  std::vector<std::string> outputs;
-};
 
 // The report's figures from a correction and the meters it was computed
 // from; source, targetsFile, panel, worst, timings and outputs are left to

@@ -1,4 +1,5 @@
-// Drawing of the gamut plot with OpenCV.
+// The gamut plot: its layout, the spectral locus, the reference gamuts, the
+// LED clouds and the insets.
 #include "gamut_plot.h"
 
 #include <algorithm>
@@ -7,27 +8,20 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "gamut_plot_drawing.h"
+#include "gamut_plot_legend.h"
+#include "gamut_plot_viewport.h"
+#include "picture_text.h"
 #include "spectral_locus.h"
 
 namespace aimhue {
 namespace tool {
 namespace {
 
-// Colours, OpenCV's blue-green-red order.
-const cv::Scalar kWhite(255, 255, 255);
-const cv::Scalar kInk(40, 40, 40);
-const cv::Scalar kGrid(225, 225, 225);
-const cv::Scalar kFrame(150, 150, 150);
-const cv::Scalar kPrimaryColours[3] = {cv::Scalar(40, 40, 210), cv::Scalar(40, 150, 30),
-                                       cv::Scalar(210, 70, 30)};
-const cv::Scalar kGamutColours[3] = {cv::Scalar(90, 90, 90), cv::Scalar(30, 120, 200),
-                                     cv::Scalar(150, 60, 150)};
-const cv::Scalar kMeanColour(120, 120, 120);
-const char* const kPrimaryNames[3] = {"red", "green", "blue"};
+using namespace gamut_plot;
 
-constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
-constexpr int kShift = 4;  // sub-pixel bits of the line and circle coordinates
-constexpr double kSubPixel = 1 << kShift;
+const cv::Scalar& kInk = kPictureInk;
+const cv::Scalar& kFrame = kPictureFrame;
 
 // Main panel: x from 0 to 0.8 and y from 0 to 0.9 at 1000 pixels per unit.
 const cv::Rect kMainArea(80, 40, 800, 900);
@@ -43,68 +37,6 @@ constexpr int kInsetMarginLeft = 64;
 constexpr int kInsetMarginRight = 10;
 constexpr int kInsetMarginTop = 24;
 constexpr int kInsetMarginBottom = 26;
-
-// A rectangle of the image showing chromaticities from (x0, y0) upwards at
-// `scale` pixels per unit, y growing upwards.
-struct Viewport {
-  cv::Rect area;
-  double x0 = 0.0;
-  double y0 = 0.0;
-  double scale = 1.0;
-
-  cv::Point2d ToPixel(double x, double y) const {
-    return {area.x + (x - x0) * scale, area.y + area.height - (y - y0) * scale};
-  }
-  double XMax() const { return x0 + area.width / scale; }
-  double YMax() const { return y0 + area.height / scale; }
-};
-
-cv::Point Fixed(const cv::Point2d& p) {
-  return {static_cast<int>(std::lround(p.x * kSubPixel)),
-          static_cast<int>(std::lround(p.y * kSubPixel))};
-}
-
-void Line(cv::Mat& image, const cv::Point2d& a, const cv::Point2d& b, const cv::Scalar& colour,
-          int thickness) {
-  cv::line(image, Fixed(a), Fixed(b), colour, thickness, cv::LINE_AA, kShift);
-}
-
-void DashedLine(cv::Mat& image, const cv::Point2d& a, const cv::Point2d& b,
-                const cv::Scalar& colour, int thickness, double dash, double gap) {
-  const cv::Point2d d = b - a;
-  const double length = std::hypot(d.x, d.y);
-  if (length <= 0.0) return;
-  const cv::Point2d unit = d / length;
-  for (double s = 0.0; s < length; s += dash + gap) {
-    Line(image, a + unit * s, a + unit * std::min(s + dash, length), colour, thickness);
-  }
-}
-
-void Text(cv::Mat& image, const std::string& text, cv::Point origin, double size,
-          const cv::Scalar& colour, int thickness = 1) {
-  cv::putText(image, text, origin, kFont, size, colour, thickness, cv::LINE_AA);
-}
-
-// Text with a white halo, readable over a dense cloud.
-void HaloText(cv::Mat& image, const std::string& text, cv::Point origin, double size) {
-  cv::putText(image, text, origin, kFont, size, kWhite, 4, cv::LINE_AA);
-  cv::putText(image, text, origin, kFont, size, kInk, 1, cv::LINE_AA);
-}
-
-// Text centred horizontally on `centre_x`, its baseline at `baseline`.
-void CentredText(cv::Mat& image, const std::string& text, int centre_x, int baseline,
-                 double size, const cv::Scalar& colour) {
-  int unused = 0;
-  const cv::Size extent = cv::getTextSize(text, kFont, size, 1, &unused);
-  Text(image, text, {centre_x - extent.width / 2, baseline}, size, colour);
-}
-
-void RightText(cv::Mat& image, const std::string& text, int right, int baseline, double size,
-               const cv::Scalar& colour) {
-  int unused = 0;
-  const cv::Size extent = cv::getTextSize(text, kFont, size, 1, &unused);
-  Text(image, text, {right - extent.width, baseline}, size, colour);
-}
 
 // The polygon of the spectral locus in pixels, closed by the line of purples.
 std::vector<cv::Point> LocusPolygon(const Viewport& view) {
@@ -151,52 +83,6 @@ void FillLocus(cv::Mat& image, const Viewport& view) {
   }
 }
 
-// A tick spacing of 1, 2 or 5 times a power of ten giving about `count`
-// ticks over `span`.
-double NiceStep(double span, int count) {
-  const double raw = span / count;
-  const double power = std::pow(10.0, std::floor(std::log10(raw)));
-  for (const double factor : {1.0, 2.0, 5.0, 10.0}) {
-    if (factor * power >= raw) return factor * power;
-  }
-  return 10.0 * power;
-}
-
-int DecimalsFor(double step) {
-  return std::max(1, static_cast<int>(std::ceil(-std::log10(step) - 1e-9)));
-}
-
-std::string Number(double value, int decimals) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.*f", decimals, value);
-  return text;
-}
-
-// Grid lines, ticks and tick labels of a viewport.
-void DrawAxes(cv::Mat& image, const Viewport& view, double x_step, double y_step,
-              double label_size) {
-  const int bottom = view.area.y + view.area.height;
-  const int right = view.area.x + view.area.width;
-  // Tick positions are multiples of the step, counted in whole steps so
-  // that no rounding drift adds or drops a tick at the far end.
-  const long first_col = static_cast<long>(std::ceil(view.x0 / x_step - 1e-9));
-  for (long k = first_col; k * x_step <= view.XMax() + 1e-9 * x_step; ++k) {
-    const double x = k * x_step;
-    const int col = static_cast<int>(std::lround(view.ToPixel(x, 0).x));
-    cv::line(image, {col, view.area.y}, {col, bottom}, kGrid, 1);
-    cv::line(image, {col, bottom}, {col, bottom + 5}, kInk, 1);
-    CentredText(image, Number(x, DecimalsFor(x_step)), col, bottom + 19, label_size, kInk);
-  }
-  const long first_row = static_cast<long>(std::ceil(view.y0 / y_step - 1e-9));
-  for (long k = first_row; k * y_step <= view.YMax() + 1e-9 * y_step; ++k) {
-    const double y = k * y_step;
-    const int row = static_cast<int>(std::lround(view.ToPixel(0, y).y));
-    cv::line(image, {view.area.x, row}, {right, row}, kGrid, 1);
-    cv::line(image, {view.area.x - 5, row}, {view.area.x, row}, kInk, 1);
-    RightText(image, Number(y, DecimalsFor(y_step)), view.area.x - 8, row + 5, label_size, kInk);
-  }
-}
-
 // Composites a density cloud of `points` over the viewport: counts per
 // pixel, smoothed, with a logarithmic scale so that a lone LED stays visible
 // beside a dense core. Sparse pixels get a light, transparent tint of
@@ -235,51 +121,6 @@ void DrawCloud(cv::Mat& image, const Viewport& view, const std::vector<cv::Point
   }
 }
 
-void DrawTriangle(cv::Mat& image, const Viewport& view, const TargetBlock& block,
-                  const cv::Scalar& colour, int thickness, bool dashed) {
-  for (int i = 0; i < 3; ++i) {
-    const TargetLxy& a = block[i];
-    const TargetLxy& b = block[(i + 1) % 3];
-    if (!std::isfinite(a.x) || !std::isfinite(a.y) || !std::isfinite(b.x) || !std::isfinite(b.y)) {
-      continue;
-    }
-    const cv::Point2d pa = view.ToPixel(a.x, a.y);
-    const cv::Point2d pb = view.ToPixel(b.x, b.y);
-    if (dashed) {
-      DashedLine(image, pa, pb, colour, thickness, 8.0, 5.0);
-    } else {
-      Line(image, pa, pb, colour, thickness);
-    }
-  }
-}
-
-void DrawWhitePoint(cv::Mat& image, const Viewport& view, const TargetLxy& white, int radius) {
-  if (!std::isfinite(white.x) || !std::isfinite(white.y)) return;
-  const cv::Point centre = Fixed(view.ToPixel(white.x, white.y));
-  cv::circle(image, centre, static_cast<int>(radius * kSubPixel), kWhite, cv::FILLED, cv::LINE_AA,
-             kShift);
-  cv::circle(image, centre, static_cast<int>(radius * kSubPixel), kInk, 2, cv::LINE_AA, kShift);
-  const int arm = static_cast<int>((radius - 2) * kSubPixel);
-  cv::line(image, centre - cv::Point(arm, 0), centre + cv::Point(arm, 0), kInk, 1, cv::LINE_AA,
-           kShift);
-  cv::line(image, centre - cv::Point(0, arm), centre + cv::Point(0, arm), kInk, 1, cv::LINE_AA,
-           kShift);
-}
-
-void DrawMeanMark(cv::Mat& image, const cv::Point2d& at, int arm) {
-  Line(image, at - cv::Point2d(arm + 1, 0), at + cv::Point2d(arm + 1, 0), kWhite, 5);
-  Line(image, at - cv::Point2d(0, arm + 1), at + cv::Point2d(0, arm + 1), kWhite, 5);
-  Line(image, at - cv::Point2d(arm, 0), at + cv::Point2d(arm, 0), kInk, 2);
-  Line(image, at - cv::Point2d(0, arm), at + cv::Point2d(0, arm), kInk, 2);
-}
-
-void DrawTargetMark(cv::Mat& image, const cv::Point2d& at, int radius) {
-  cv::circle(image, Fixed(at), static_cast<int>(radius * kSubPixel), kInk, cv::FILLED, cv::LINE_AA,
-             kShift);
-  cv::circle(image, Fixed(at), static_cast<int>((radius - 2) * kSubPixel), kWhite, cv::FILLED,
-             cv::LINE_AA, kShift);
-}
-
 void DrawReferenceGamuts(cv::Mat& image, const Viewport& view) {
   const auto& gamuts = ReferenceGamuts();
   for (std::size_t g = 0; g < gamuts.size(); ++g) {
@@ -288,13 +129,12 @@ void DrawReferenceGamuts(cv::Mat& image, const Viewport& view) {
     for (int i = 0; i < 3; ++i) {
       const float* a = corners[i];
       const float* b = corners[(i + 1) % 3];
-      DashedLine(image, view.ToPixel(a[0], a[1]), view.ToPixel(b[0], b[1]), kGamutColours[g], 1,
-                 g == 0 ? 1e9 : (g == 1 ? 10.0 : 3.0), g == 1 ? 6.0 : 4.0);
+      ReferenceGamutLine(image, view.ToPixel(a[0], a[1]), view.ToPixel(b[0], b[1]), g);
     }
     // Label beside the green corner, where the three outlines part most.
     const cv::Point2d at = view.ToPixel(gamut.green[0], gamut.green[1]);
-    Text(image, gamut.name, {static_cast<int>(at.x) + 8, static_cast<int>(at.y) + 4}, 0.45,
-         kGamutColours[g]);
+    PictureText(image, gamut.name, {static_cast<int>(at.x) + 8, static_cast<int>(at.y) + 4}, 0.45,
+                kGamutColours[g]);
   }
 }
 
@@ -316,54 +156,6 @@ void DrawLocusOutline(cv::Mat& image, const Viewport& view) {
     CentredText(image, std::to_string(nm), static_cast<int>(label.x),
                 static_cast<int>(label.y) + 4, 0.4, kInk);
   }
-}
-
-// The chromaticity window of an inset: the central 99 % of the cloud, the
-// mean and the target, padded, with the inset's aspect ratio.
-Viewport InsetView(const cv::Rect& area, const std::vector<cv::Point2f>& cloud,
-                   const TargetLxy& mean, const TargetLxy& target) {
-  std::vector<double> xs;
-  std::vector<double> ys;
-  for (const cv::Point2f& p : cloud) {
-    xs.push_back(p.x);
-    ys.push_back(p.y);
-  }
-  double x_low = 1.0;
-  double x_high = 0.0;
-  double y_low = 1.0;
-  double y_high = 0.0;
-  auto include = [&](double x, double y) {
-    if (!std::isfinite(x) || !std::isfinite(y)) return;
-    x_low = std::min(x_low, x);
-    x_high = std::max(x_high, x);
-    y_low = std::min(y_low, y);
-    y_high = std::max(y_high, y);
-  };
-  if (!xs.empty()) {
-    auto quantile = [](std::vector<double>& values, double q) {
-      const std::size_t k = static_cast<std::size_t>(q * (values.size() - 1));
-      std::nth_element(values.begin(), values.begin() + k, values.end());
-      return values[k];
-    };
-    include(quantile(xs, 0.005), quantile(ys, 0.005));
-    include(quantile(xs, 0.995), quantile(ys, 0.995));
-  }
-  include(mean.x, mean.y);
-  include(target.x, target.y);
-  if (x_low > x_high) {  // nothing finite to show: a window around the neutral point
-    x_low = x_high = 0.33;
-    y_low = y_high = 0.33;
-  }
-  const double aspect = static_cast<double>(area.width) / area.height;
-  double half_height = std::max({(y_high - y_low) * 0.5, (x_high - x_low) * 0.5 / aspect, 0.0008});
-  half_height *= 1.3;
-  const double half_width = half_height * aspect;
-  Viewport view;
-  view.area = area;
-  view.scale = area.height / (2.0 * half_height);
-  view.x0 = (x_low + x_high) * 0.5 - half_width;
-  view.y0 = (y_low + y_high) * 0.5 - half_height;
-  return view;
 }
 
 void DrawInset(cv::Mat& image, const cv::Rect& frame, int primary, const GamutPlotInput& input,
@@ -403,7 +195,7 @@ void DrawInset(cv::Mat& image, const cv::Rect& frame, int primary, const GamutPl
   char title[128];
   std::snprintf(title, sizeof title, "%s primary, %zu LEDs, magnified %.0fx", kPrimaryNames[primary],
                 input.leds[primary].size(), magnification);
-  Text(image, title, {area.x, frame.y + 16}, 0.5, kPrimaryColours[primary], 1);
+  PictureText(image, title, {area.x, frame.y + 16}, 0.5, kPrimaryColours[primary], 1);
 
   // The inset's window, outlined on the main panel.
   const cv::Point2d low = main.ToPixel(view.x0, view.y0);
@@ -414,64 +206,7 @@ void DrawInset(cv::Mat& image, const cv::Rect& frame, int primary, const GamutPl
                 cv::LINE_AA, kShift);
 }
 
-void DrawLegend(cv::Mat& image, const GamutPlotInput& input) {
-  const cv::Rect box(kMainArea.x + 470, kMainArea.y + 20, 310, 270);
-  image(box).setTo(kWhite);
-  cv::rectangle(image, box, kFrame, 1);
-  int y = box.y + 24;
-  const int x = box.x + 14;
-  const int text_x = x + 50;
-  auto entry = [&](const std::string& label) {
-    Text(image, label, {text_x, y + 5}, 0.45, kInk);
-    y += 24;
-  };
-  Line(image, {double(x), double(y)}, {x + 40.0, double(y)}, kInk, 1);
-  entry("spectral locus (CIE 1931 2 deg)");
-  const auto& gamuts = ReferenceGamuts();
-  for (std::size_t g = 0; g < gamuts.size(); ++g) {
-    DashedLine(image, {double(x), double(y)}, {x + 40.0, double(y)}, kGamutColours[g], 1,
-               g == 0 ? 1e9 : (g == 1 ? 10.0 : 3.0), g == 1 ? 6.0 : 4.0);
-    entry(gamuts[g].name);
-  }
-  for (int p = 0; p < 3; ++p) {
-    cv::circle(image, {x + 20, y}, 6, kPrimaryColours[p], cv::FILLED, cv::LINE_AA);
-    entry(std::string(kPrimaryNames[p]) + " LEDs (density)");
-  }
-  DashedLine(image, {double(x), double(y)}, {x + 40.0, double(y)}, kMeanColour, 1, 8.0, 5.0);
-  entry("mean triangle (search start)");
-  Line(image, {double(x), double(y)}, {x + 40.0, double(y)}, kInk, 2);
-  entry("target triangle");
-  DrawWhitePoint(image, Viewport{cv::Rect(x + 20, y, 0, 0), 0.0, 0.0, 1.0},
-                 TargetLxy{0.0f, 0.0f, 0.0f}, 7);
-  entry("white point" + (input.whiteName.empty() ? std::string() : " " + input.whiteName));
-}
-
 }  // namespace
-
-std::vector<cv::Point2f> LedChromaticities(const cv::Mat& X, const cv::Mat& Y, const cv::Mat& Z,
-                                           std::size_t limit) {
-  std::vector<cv::Point2f> points;
-  if (X.empty() || X.type() != CV_32FC1 || Y.size() != X.size() || Z.size() != X.size() ||
-      Y.type() != CV_32FC1 || Z.type() != CV_32FC1 || limit == 0) {
-    return points;
-  }
-  const std::size_t total = X.total();
-  const std::size_t stride = std::max<std::size_t>(1, (total + limit - 1) / limit);
-  points.reserve(total / stride + 1);
-  const cv::Mat x_plane = X.isContinuous() ? X : X.clone();
-  const cv::Mat y_plane = Y.isContinuous() ? Y : Y.clone();
-  const cv::Mat z_plane = Z.isContinuous() ? Z : Z.clone();
-  const float* xs = x_plane.ptr<float>();
-  const float* ys = y_plane.ptr<float>();
-  const float* zs = z_plane.ptr<float>();
-  for (std::size_t i = 0; i < total; i += stride) {
-    const float sum = xs[i] + ys[i] + zs[i];
-    const float x = xs[i] / sum;
-    const float y = ys[i] / sum;
-    if (std::isfinite(x) && std::isfinite(y)) points.emplace_back(x, y);
-  }
-  return points;
-}
 
 cv::Mat DrawGamutPlot(const GamutPlotInput& input) {
   cv::Mat image(kPlotHeight, kPlotWidth, CV_8UC3, kWhite);
@@ -490,15 +225,16 @@ cv::Mat DrawGamutPlot(const GamutPlotInput& input) {
   DrawWhitePoint(image, main, input.targets[3], 7);
   cv::rectangle(image, kMainArea, kFrame, 1);
   CentredText(image, "x", kMainArea.x + kMainArea.width / 2, kPlotHeight - 14, 0.6, kInk);
-  Text(image, "y", {22, kMainArea.y + kMainArea.height / 2}, 0.6, kInk);
-  Text(image, input.title, {kMainArea.x, 26}, 0.6, kInk, 1);
+  PictureText(image, "y", {22, kMainArea.y + kMainArea.height / 2}, 0.6, kInk);
+  PictureText(image, input.title, {kMainArea.x, 26}, 0.6, kInk, 1);
 
   for (int p = 0; p < 3; ++p) {
     const cv::Rect frame(kInsetLeft, kInsetTop + p * (kInsetHeight + kInsetGap), kInsetWidth,
                          kInsetHeight);
     DrawInset(image, frame, p, input, main);
   }
-  DrawLegend(image, input);
+  DrawGamutPlotLegend(image, cv::Rect(kMainArea.x + 470, kMainArea.y + 20, 310, 270),
+                      input.whiteName);
   return image;
 }
 

@@ -16,7 +16,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "report.h"
+#include "report_types.h"
 
 namespace aimhue {
 namespace tool {
@@ -31,13 +31,6 @@ struct GamutPlotInput {
   TargetBlock searchStart{};                       // mean triangle (x, y of red, green, blue)
   TargetBlock targets{};                           // target triangle and white point
 };
-
-// The chromaticities (x, y) = (X, Y) / (X + Y + Z) of at most `limit` LEDs,
-// taken at a regular stride in row-major order from three equally sized
-// 32-bit float planes. LEDs without a finite chromaticity (dead LEDs) are
-// left out.
-std::vector<cv::Point2f> LedChromaticities(const cv::Mat& X, const cv::Mat& Y, const cv::Mat& Z,
-                                           std::size_t limit);
 
 // Draws the plot into an 8-bit, three-channel image of kPlotWidth x
 // kPlotHeight pixels.

@@ -33,8 +33,8 @@ std::string DescribeMeter(uint32_t color, uint32_t type) {
   return primary + " " + axis;
 }
 
-// At most `limit` chromaticities of the plane pair, every stride-th LED,
-// those without a finite chromaticity (dead LEDs) left out.
+}  // namespace
+
 std::vector<cv::Point2f> SampleChromaticities(const AimhueScreenPlanes& planes, std::size_t limit) {
   std::vector<cv::Point2f> points;
   const std::size_t total = static_cast<std::size_t>(planes.rows) * planes.cols;
@@ -48,8 +48,6 @@ std::vector<cv::Point2f> SampleChromaticities(const AimhueScreenPlanes& planes, 
   }
   return points;
 }
-
-}  // namespace
 
 void CheckMeterRole(const LedMeter& meter, const std::string& file, int primary, int axis) {
   const uint32_t color = ColourOfPrimary(primary);

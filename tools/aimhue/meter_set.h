@@ -7,6 +7,7 @@
 
 #include <aimhue/dead_leds.h>
 #include <aimhue/led_meter.h>
+#include <aimhue/screen.h>
 #include <aimhue/target.h>
 
 #include <array>
@@ -67,6 +68,11 @@ std::string DescribeMeterFiles(const MeterFiles& files);
 // holds, marks and repairs them. A library status other than 0 ends the
 // command (CommandError, exit status 3).
 DeadLedCounts HandleDeadLeds(PrimaryMeters& meters, bool repair);
+
+// At most `limit` chromaticities (x, y) of a primary's planes on the
+// screen, taken at a regular stride in row-major order; LEDs without a
+// finite chromaticity (dead LEDs) are left out. The gamut plot's sample.
+std::vector<cv::Point2f> SampleChromaticities(const AimhueScreenPlanes& planes, std::size_t limit);
 
 // A measurement combined into a screen, with what the reports need from
 // the meters, which are gone by then.

@@ -3,8 +3,8 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
+
+#include "text_format.h"
 
 namespace aimhue {
 namespace tool {
@@ -12,16 +12,6 @@ namespace {
 
 const char* const kPrimaryNames[] = {"red", "green", "blue"};
 const char* const kTargetNames[] = {"red", "green", "blue", "white"};
-
-std::string Format(const char* format, ...) __attribute__((format(printf, 1, 2)));
-std::string Format(const char* format, ...) {
-  char line[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(line, sizeof line, format, args);
-  va_end(args);
-  return line;
-}
 
 std::string Percent(float fraction) {
   if (std::isnan(fraction)) return "n/a";
@@ -68,15 +58,6 @@ std::string FloatText(float value) {
   char text[32];
   const auto result = std::to_chars(text, text + sizeof text, value);
   return std::string(text, result.ptr);
-}
-
-bool TargetsFinite(const TargetBlock& block) {
-  for (const TargetLxy& target : block) {
-    if (!std::isfinite(target.L) || !std::isfinite(target.x) || !std::isfinite(target.y)) {
-      return false;
-    }
-  }
-  return true;
 }
 
 ReportJson TargetBlockJson(const TargetBlock& block) {

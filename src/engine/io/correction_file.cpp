@@ -17,6 +17,7 @@
 
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
+#include "capture/format_operations.h"
 #include "capture/matrix_block.h"
 #include "common/exception_guard.h"
 #include "engine/correction_led.h"
@@ -123,21 +124,14 @@ int Parse(const char* who, ByteReader& in, Correction& record) {
 }  // namespace
 
 int Correction::Save(const std::string& fullname) const {
-  constexpr char kWho[] = "Correction::Save";
-  PlumeLogInfo(kWho);
-  return GuardExceptions(kWho, [&] {
-    return SaveFormatStream(kWho, fullname, kCorrectionExtension,
-                            [&](ByteWriter& out) { Write(*this, out); });
-  });
+  return SaveFormat("Correction::Save", fullname, kCorrectionExtension,
+                    [&](ByteWriter& out) { Write(*this, out); });
 }
 
 int Correction::Load(const std::string& fullname) {
   constexpr char kWho[] = "Correction::Load";
-  PlumeLogInfo(kWho);
-  return GuardExceptions(kWho, [&] {
-    return LoadFormatStream(kWho, fullname, kCorrectionExtension,
-                            [&](ByteReader& in) { return Parse(kWho, in, *this); });
-  });
+  return LoadFormat(kWho, fullname, kCorrectionExtension,
+                    [&](ByteReader& in) { return Parse(kWho, in, *this); });
 }
 
 int Correction::GetBufferSize(uint64_t* size) const {
@@ -149,27 +143,14 @@ int Correction::GetBufferSize(uint64_t* size) const {
 }
 
 int Correction::ToBuffer(char* buffer, uint64_t* size) const {
-  constexpr char kWho[] = "Correction::ToBuffer";
-  PlumeLogInfo(kWho);
-  const uint64_t needed = ContentSize(*this);
-  const int status = CheckOutputBuffer(buffer, size, needed);
-  if (status != kOk) return status;
-  return GuardExceptions(kWho, [&] {
-    ByteWriter out(buffer, static_cast<size_t>(needed));
-    Write(*this, out);
-    *size = needed;
-    return static_cast<int>(kOk);
-  });
+  return WriteFormatBuffer("Correction::ToBuffer", buffer, size, ContentSize(*this),
+                           [&](ByteWriter& out) { Write(*this, out); });
 }
 
 int Correction::FromBuffer(const char* buffer, uint64_t size) {
   constexpr char kWho[] = "Correction::FromBuffer";
-  PlumeLogInfo(kWho);
-  if (buffer == nullptr) return kNullInput;
-  return GuardExceptions(kWho, [&] {
-    ByteReader in(buffer, static_cast<size_t>(size));
-    return Parse(kWho, in, *this);
-  });
+  return ReadFormatBuffer(kWho, buffer, size,
+                          [&](ByteReader& in) { return Parse(kWho, in, *this); });
 }
 
 }  // namespace aimhue

@@ -14,6 +14,7 @@
 
 #include "capture/byte_stream.h"
 #include "capture/file_format.h"
+#include "capture/format_operations.h"
 #include "common/exception_guard.h"
 #include "engine/aimhue.h"
 
@@ -76,21 +77,14 @@ int Parse(const char* who, ByteReader& in, Aimhue& engine) {
 }  // namespace
 
 int Aimhue::Save(const std::string& fullname) const {
-  constexpr char kWho[] = "Aimhue::Save";
-  PlumeLogInfo(kWho);
-  return GuardExceptions(kWho, [&] {
-    return SaveFormatStream(kWho, fullname, kEngineExtension,
-                            [&](ByteWriter& out) { Write(*this, out); });
-  });
+  return SaveFormat("Aimhue::Save", fullname, kEngineExtension,
+                    [&](ByteWriter& out) { Write(*this, out); });
 }
 
 int Aimhue::Load(const std::string& fullname) {
   constexpr char kWho[] = "Aimhue::Load";
-  PlumeLogInfo(kWho);
-  return GuardExceptions(kWho, [&] {
-    return LoadFormatStream(kWho, fullname, kEngineExtension,
-                            [&](ByteReader& in) { return Parse(kWho, in, *this); });
-  });
+  return LoadFormat(kWho, fullname, kEngineExtension,
+                    [&](ByteReader& in) { return Parse(kWho, in, *this); });
 }
 
 int Aimhue::ToBuffer(char* buffer, uint64_t* size) const {

@@ -276,6 +276,8 @@ contains out.txt "correction (.corr): 48 x 32 LEDs"
 expect 2 "$aimhue" inspect --led 32,0 screen.corr
 contains err.txt "outside the screen"
 expect 2 "$aimhue" inspect --led 1,1 screen.aimhue
+expect 2 "$aimhue" inspect --led -1,2 screen.corr
+contains err.txt "--led"
 
 # Refusals: each names its cause, and no file already on disk changes.
 cp screen.corr before.corr
