@@ -41,17 +41,20 @@ const cv::Mat& LocusRaster() {
   return raster;
 }
 
-bool InsideLocus(float x, float y) {
+// Whether (x, y) lies in the widened locus of `raster` (LocusRaster's data,
+// kLocusRaster x kLocusRaster bytes, row = y).
+bool InsideLocus(const uchar* raster, float x, float y) {
   if (!(x >= 0.0f && x < 1.0f && y >= 0.0f && y < 1.0f)) return false;  // NaN too
   const int col = static_cast<int>(x * kLocusRaster);
   const int row = static_cast<int>(y * kLocusRaster);
-  return LocusRaster().at<uchar>(row, col) != 0;
+  return raster[row * kLocusRaster + col] != 0;
 }
 
 }  // namespace
 
 ImplausibleLeds CountImplausibleLeds(const AimhueScreenPlanes& planes) {
   ImplausibleLeds counts;
+  const uchar* raster = LocusRaster().ptr<uchar>();  // continuous: made whole by cv::Mat::zeros
   const std::size_t total = static_cast<std::size_t>(planes.rows) * planes.cols;
   for (std::size_t i = 0; i < total; ++i) {
     const float L = planes.L[i];
@@ -59,7 +62,7 @@ ImplausibleLeds CountImplausibleLeds(const AimhueScreenPlanes& planes) {
     const float y = planes.y[i];
     if (L == 0.0f && std::isnan(x) && std::isnan(y)) continue;  // dead: reported on its own
     if (!(L > 0.0f) || !std::isfinite(L)) ++counts.badLuminance;
-    if (!InsideLocus(x, y)) ++counts.outsideLocus;
+    if (!InsideLocus(raster, x, y)) ++counts.outsideLocus;
   }
   return counts;
 }
