@@ -106,6 +106,18 @@ TEST(ChromaCombine, MatchesThePlainFormBitForBit) {
     for (const LedMeter& meter : meters) {
       ASSERT_TRUE(out.x.data != meter.chroma.data && out.y.data != meter.chroma.data);
     }
+    // Taking the planes over: written in place (continuous copies held by
+    // the meters alone) or copied (views), the same bits.
+    LedMeter taken[3];
+    for (int i = 0; i < 3; ++i) {
+      ASSERT_EQ(meters[i].CopyTo(taken[i]), kOk);
+      if (trial % 2) taken[i].chroma = meters[i].chroma;  // shared with `meters`: copied
+    }
+    ChromaLxy took;
+    ASSERT_EQ(ChromaLxy::CombineTaking(took, &taken[0], &taken[1], colour_four ? nullptr : &taken[2]),
+              kOk);
+    ASSERT_TRUE(SamePlaneBits(took.x, x) && SamePlaneBits(took.y, y) &&
+                SamePlaneBits(took.L, meters[1].chroma)) << trial;
   }
 }
 
