@@ -10,6 +10,7 @@
 #include <cstring>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 #include "array_checks.h"
 #include "bindings.h"
@@ -19,17 +20,6 @@ namespace py = pybind11;
 
 namespace aimhue::python {
 namespace {
-
-// The engine's record image as the library writes it: 'L', version, the
-// four fractions, the NG limit, then the targets, the final and the first
-// search result (twelve floats each).
-constexpr size_t kRecordSize = 169;
-constexpr size_t kFractionsOffset = 5;
-constexpr size_t kNgLimitOffset = 21;
-constexpr size_t kTargetsOffset = 25;
-constexpr size_t kSearchEndOffset = 73;
-constexpr size_t kSearchStartOffset = 121;
-constexpr size_t kBlockBytes = 12 * sizeof(float);
 
 bool InUnitRange(float value) { return value > 0.0f && value <= 1.0f; }
 
@@ -102,13 +92,23 @@ class Engine {
     return handle_ == nullptr;
   }
 
-  std::array<char, kRecordSize> Record() {
-    std::array<char, kRecordSize> record{};
+  // The results as the library stores them in a ".aimhue" file.
+  std::vector<char> Record() {
+    std::vector<char> record;
     Run("AimhueToBuffer", [&](AimhueHandle handle) {
-      uint64_t size = record.size();
+      uint64_t size = 0;
+      int status = AimhueGetBufferSize(handle, &size);
+      if (status != 0) return status;
+      record.resize(size);
       return AimhueToBuffer(handle, record.data(), &size);
     });
     return record;
+  }
+
+  AimhueResults Results() {
+    AimhueResults results{};
+    Run("AimhueGetResults", [&](AimhueHandle handle) { return AimhueGetResults(handle, &results); });
+    return results;
   }
 
   float ngThresh = 0.08f;
@@ -119,11 +119,7 @@ class Engine {
   AimhueHandle handle_ = nullptr;
 };
 
-py::array_t<float> RecordBlock(const std::array<char, kRecordSize>& record, size_t offset) {
-  std::array<float, 12> block{};
-  std::memcpy(block.data(), record.data() + offset, kBlockBytes);
-  return TargetArray(block.data());
-}
+py::array_t<float> Block(const TargetLxy (&points)[4]) { return TargetArray(&points[0].L); }
 
 void SetNgThresh(Engine& engine, float threshold) {
   if (!InUnitRange(threshold)) {
@@ -166,13 +162,9 @@ void SetTargets(Engine& engine, py::handle value) {
                             std::to_string(point) + ")");
     }
   }
-  // The targets go in through the record image: the other results stay
-  // byte for byte as they are.
-  std::array<char, kRecordSize> record = engine.Record();
-  std::memcpy(record.data() + kTargetsOffset, block.data(), kBlockBytes);
-  engine.Run("AimhueFromBuffer", [&](AimhueHandle handle) {
-    return AimhueFromBuffer(handle, record.data(), static_cast<int64_t>(record.size()));
-  });
+  // Every other result stays as it is.
+  engine.Run("AimhueSetTargets",
+             [&](AimhueHandle handle) { return AimhueSetTargets(handle, block.data()); });
 }
 
 const char* const kScreenArguments = R"(
@@ -259,7 +251,7 @@ result (towards 0) and its final result (1) and fills the targets'
 luminances; each value must lie in (0, 1] (``ValueError`` otherwise, where
 the library would silently keep the old targets).)")
       .def_property(
-          "targets", [](Engine& self) { return RecordBlock(self.Record(), kTargetsOffset); },
+          "targets", [](Engine& self) { return Block(self.Results().targets); },
           &SetTargets,
           R"(ndarray (4, 3) float32: red, green, blue, white; L, x, y each.
 
@@ -267,19 +259,14 @@ Setting it replaces the four points and keeps every other result; every
 value must be finite and every y > 0 (``ValueError`` otherwise).)")
       .def_property_readonly(
           "search_start",
-          [](Engine& self) { return RecordBlock(self.Record(), kSearchStartOffset); },
+          [](Engine& self) { return Block(self.Results().searchStart); },
           "ndarray (4, 3) float32: the search's first-stage result (the primaries' means).")
       .def_property_readonly(
-          "search_end", [](Engine& self) { return RecordBlock(self.Record(), kSearchEndOffset); },
+          "search_end", [](Engine& self) { return Block(self.Results().searchEnd); },
           "ndarray (4, 3) float32: the search's final result.")
       .def_property_readonly(
           "ng_limit",
-          [](Engine& self) {
-            const auto record = self.Record();
-            float limit = 0.0f;
-            std::memcpy(&limit, record.data() + kNgLimitOffset, sizeof(limit));
-            return limit;
-          },
+          [](Engine& self) { return self.Results().ngLimit; },
           "float: the NG limit stored by ``calc_ng`` (0.8 on a new engine).")
       .def(
           "search",
@@ -345,10 +332,7 @@ ValueError
               return AimhueCalcPercentNG(handle, screen.Triple(0), screen.Triple(1),
                                          screen.Triple(2), 3);
             });
-            const auto record = self.Record();
-            float limit = 0.0f;
-            std::memcpy(&limit, record.data() + kNgLimitOffset, sizeof(limit));
-            return limit;
+            return self.Results().ngLimit;
           },
           py::arg("red"), py::arg("green"), py::arg("blue"), py::kw_only(),
           py::arg("convert") = false,
