@@ -13,10 +13,12 @@
 #include <memory>
 #include <string>
 
+#include "per_led_ratio.h"
 #include "synthetic/synthetic_screen.h"
 
 namespace {
 
+using aimhue::bench::SetPerLed;
 using aimhue::synthetic::ScreenMeters;
 
 constexpr aimhue::TargetLxy kTargets[4] = {{250.0f, 0.675f, 0.305f},
@@ -43,13 +45,6 @@ struct Triples {
       for (int c = 0; c < 3; ++c) meters[e][c] = &screen[e][c];
   }
 };
-
-void SetPerLed(benchmark::State& state, int64_t leds) {
-  state.SetItemsProcessed(state.iterations() * leds);
-  state.counters["per_led"] =
-      benchmark::Counter(static_cast<double>(leds), benchmark::Counter::kIsIterationInvariantRate |
-                                                        benchmark::Counter::kInvert);
-}
 
 void BM_CalcCorrection(benchmark::State& state) {
   const int cols = static_cast<int>(state.range(0));
@@ -113,47 +108,8 @@ BENCHMARK(BM_CalcCorrection)
     ->Args({3840, 2160, 12})
     ->Unit(benchmark::kMillisecond);
 
-// Prints, after the usual table, each correction's time per LED over the
-// baseline's. With --benchmark_repetitions the fastest run stands for each
-// figure: on a shared machine the slower ones measure the neighbours.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
-      const auto counter = run.counters.find("per_led");
-      if (counter == run.counters.end()) continue;
-      double& best = perLed_[run.benchmark_name()];
-      const double nanoseconds = counter->second.value * 1e9;
-      if (best == 0.0 || nanoseconds < best) best = nanoseconds;
-    }
-  }
-  void Finalize() override {
-    ConsoleReporter::Finalize();
-    double stream = 0.0;
-    for (const auto& [name, ns] : perLed_) {
-      if (name.rfind("BM_StreamPlanes", 0) == 0) stream = ns;
-    }
-    if (stream == 0.0) return;
-    for (const auto& [name, ns] : perLed_) {
-      if (name.rfind("BM_CalcCorrection", 0) != 0) continue;
-      std::printf("%s: %.2f ns/LED, stream %.2f ns/LED, ratio %.2f\n", name.c_str(), ns, stream,
-                  ns / stream);
-    }
-  }
-
- private:
-  std::map<std::string, double> perLed_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  benchmark::Shutdown();
-  return 0;
+  return aimhue::bench::RunWithRatios(argc, argv, "BM_StreamPlanes", "BM_CalcCorrection");
 }

@@ -7,17 +7,18 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <string>
 
 #include <opencv2/core.hpp>
 
 #include "engine/percent_of_target.h"
+#include "per_led_ratio.h"
 #include "meter/chroma_lxy.h"
 
 namespace {
 
+using aimhue::bench::SetPerLed;
 using aimhue::ChromaLxy;
 
 // A screen of LEDs whose red, green and blue chromaticities scatter a few
@@ -52,14 +53,6 @@ const Screen& ScreenOf(int cols, int rows) {
                        100.0f, 0.145f, 0.062f, 300.0f, 0.3127f, 0.329f};
   }
   return *screen;
-}
-
-void SetPerLed(benchmark::State& state, int64_t leds) {
-  state.SetItemsProcessed(state.iterations() * leds);
-  // Seconds per LED (shown with an SI prefix, "2.9n" for 2.9 ns).
-  state.counters["per_led"] = benchmark::Counter(
-      static_cast<double>(leds),
-      benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void BM_PercentOfTarget(benchmark::State& state) {
@@ -129,48 +122,8 @@ BENCHMARK(BM_CountKernel)
     ->Arg(static_cast<int>(aimhue::CountKernel::kAvx512))
     ->Unit(benchmark::kMillisecond);
 
-// Prints, after the usual table, the count's time per LED over the
-// baseline's for each screen size.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
-      const std::string name = run.benchmark_name();
-      const auto counter = run.counters.find("per_led");
-      if (counter == run.counters.end()) continue;
-      const std::string::size_type slash = name.find('/');
-      // With --benchmark_repetitions the fastest run stands for each figure:
-      // on a shared machine the slower ones measure the neighbours.
-      const double nanoseconds = counter->second.value * 1e9;
-      double& best = perLed_[name.substr(0, slash)][name.substr(slash + 1)];
-      if (best == 0.0 || nanoseconds < best) best = nanoseconds;
-    }
-  }
-  void Finalize() override {
-    ConsoleReporter::Finalize();
-    const auto& count = perLed_["BM_PercentOfTarget"];
-    const auto& stream = perLed_["BM_StreamPlanes"];
-    for (const auto& [size, countNs] : count) {
-      const auto baseline = stream.find(size);
-      if (baseline == stream.end()) continue;
-      std::printf("screen %-10s count %.3f ns/LED, stream %.3f ns/LED, ratio %.2f\n", size.c_str(),
-                  countNs, baseline->second, countNs / baseline->second);
-    }
-  }
-
- private:
-  std::map<std::string, std::map<std::string, double>> perLed_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  benchmark::Shutdown();
-  return 0;
+  return aimhue::bench::RunWithRatios(argc, argv, "BM_StreamPlanes", "BM_PercentOfTarget");
 }
