@@ -106,24 +106,21 @@ TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
   EXPECT_TRUE(SameBits(judged, ngCoverage));
   ASSERT_EQ(AimhueJudgeNGScreen(viaScreen_, screen_, &ngScreen, nullptr), kOk);
 
-  // The NG rules on a coverage counted once: the limit and the verdict of
-  // the functions that count for themselves, and no rule on a NaN.
+  // The NG rules on a coverage counted once give the limit and verdict of
+  // the functions that count for themselves, and refuse a NaN.
   AimhueHandle reused = nullptr;
   ASSERT_EQ(AimhueCreateHandle(&reused), kOk);
   ASSERT_EQ(AimhueSetNGThresh(reused, 0.25f), kOk);
-  ASSERT_EQ(AimhueSetNGLimitFromCoverage(reused, &ngCoverage), kOk);
-  EXPECT_TRUE(SameBits(Results(reused).ngLimit, Results(viaMeters_).ngLimit));
   bool ngReused = true;
+  ASSERT_EQ(AimhueSetNGLimitFromCoverage(reused, &ngCoverage), kOk);
   ASSERT_EQ(AimhueJudgeCoverage(reused, &ngCoverage, &ngReused), kOk);
-  EXPECT_EQ(ngReused, ngMeters);
-  const float nan = std::nanf("");
-  const Coverage noLeds{nan, nan, nan, nan};
+  EXPECT_TRUE(SameBits(Results(reused).ngLimit, Results(viaMeters_).ngLimit) && ngReused == ngMeters);
+  const Coverage noLeds{NAN, NAN, NAN, NAN};
   LogCapture log;
-  EXPECT_EQ(AimhueSetNGLimitFromCoverage(reused, &noLeds), kOutOfRange);
-  EXPECT_EQ(AimhueJudgeCoverage(reused, &noLeds, &ngReused), kOutOfRange);
+  EXPECT_EQ(AimhueSetNGLimitFromCoverage(reused, &noLeds) + AimhueJudgeCoverage(reused, &noLeds, &ngReused),
+            2 * kOutOfRange);
   EXPECT_EQ(log.Errors().size(), 2u);
-  EXPECT_TRUE(SameBits(Results(reused).ngLimit, Results(viaMeters_).ngLimit));
-  EXPECT_FALSE(ngReused);
+  EXPECT_TRUE(SameBits(Results(reused).ngLimit, Results(viaMeters_).ngLimit) && !ngReused);
   AimhueDestroyHandle(reused);
 
   // A caller's block under a mask.

@@ -44,6 +44,10 @@ TEST(FixDeadLeds, CountsOnlyLedsWhoseThreeValuesAreZero) {
   meters[2].chroma = cv::Mat(3, 5, CV_32FC1, cv::Scalar(1.0f));  // planes that do not fit
   EXPECT_EQ(Fix(meters, true).found, 0);
   EXPECT_TRUE(meters[0].state.empty());
+  Triple wide = UniformTriple(2, 150);  // whole blocks of 64 LEDs, then a tail
+  for (int col : {0, 63, 64, 100, 149}) KillLed(wide, 1, col);
+  wide[0].chroma.at<float>(0, 70) = 0.0f;  // a zero X in a block, alive
+  EXPECT_EQ(Fix(wide, false).found, 5);
 }
 
 TEST(FixDeadLeds, MarksAndRepairsLoneDeadLedsButNotAClusterCore) {
@@ -69,17 +73,6 @@ TEST(FixDeadLeds, MarksAndRepairsLoneDeadLedsButNotAClusterCore) {
   EXPECT_EQ(clustered.found, 9);
   EXPECT_EQ(clustered.remaining, 5);
   EXPECT_EQ(cv::countNonZero(cluster[0].state), 9);
-}
-
-TEST(FixDeadLeds, RefusesNullArgumentsAndLeavesTheCountsAlone) {
-  Triple meters = UniformTriple(2, 2);
-  LedMeter* const noY[3] = {&meters[0], nullptr, &meters[2]};
-  DeadLedCounts counts{7, 7};
-  EXPECT_EQ(FixDeadLeds(noY, true, &counts), kNullInput);
-  EXPECT_EQ(FixDeadLeds(nullptr, true, &counts), kNullInput);
-  EXPECT_EQ(counts.found, 7);
-  LedMeter* const triple[3] = {&meters[0], &meters[1], &meters[2]};
-  EXPECT_EQ(FixDeadLeds(triple, true, nullptr), kNullInput);
 }
 
 }  // namespace

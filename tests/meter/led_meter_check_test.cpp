@@ -82,37 +82,5 @@ TEST(LedMeterCheck, PairTestsRunAfterBothMetersInTheirOrder) {
         }}});
 }
 
-TEST(LedMeterCheck, DistinctnessMissingLayersAndThreeMeters) {
-  LedMeter a = MakeMeter(CIE_Y, 2);
-  LedMeter b = MakeMeter(CIE_Y, 2);
-  b.state = cv::Mat();
-  b.color = 4;
-  // Distinct types (0x40) come second; distinct colours (0x400) after the
-  // sizes and before CIE_Y.
-  EXPECT_CHECK(LedMeter::Check(0x244, &a, &b), kOutOfRange, "input type same");
-  b.color = 2;
-  b.state = cv::Mat::zeros(1, 1, CV_8UC1);
-  EXPECT_CHECK(LedMeter::Check(0x2480, &a, &b), kOutOfRange, "input state size different");
-  b.type = CIE_X;
-  EXPECT_CHECK(LedMeter::Check(0x480, &a, &b), kOutOfRange, "input color same");
-  // A missing layer cannot agree; asking for the layer first names the real fault.
-  b.layer.reset();
-  EXPECT_CHECK(LedMeter::Check(kCheckLayerValueSame, &a, &b), kOutOfRange, "layer value not same.");
-  EXPECT_CHECK(LedMeter::Check(kCheckLayerNormsSame, &b, &a), kOutOfRange,
-               "layer linera_norms not same.");
-  EXPECT_CHECK(LedMeter::Check(kCheckHasLayer | kCheckLayerNormsSame, &a, &b), kOutOfRange,
-               "layer is nullptr");
-
-  const LedMeter x = MakeMeter(CIE_X, 2), y = MakeMeter(CIE_Y, 2), z = MakeMeter(CIE_Z, 2);
-  const LedMeter colour_1_y = MakeMeter(CIE_Y, 1), big_y = MakeMeter(CIE_Y, 2, 3, 3);
-  // (a, b) is checked whole before c is looked at, even for null.
-  EXPECT_CHECK(LedMeter::Check(kCheckNotNull | kCheckColorSame, &x, &colour_1_y, nullptr),
-               kOutOfRange, "input color different");
-  // (a, c) before (b, c); (b, c) is only tested for distinct types and colours.
-  EXPECT_CHECK(LedMeter::Check(0x44, &x, &y, &big_y), kOutOfRange, "input chroma size different");
-  EXPECT_CHECK(LedMeter::Check(kCheckColorDifferent, &colour_1_y, &z, &y), kOutOfRange,
-               "input color same");
-}
-
 }  // namespace
 }  // namespace aimhue::testing
