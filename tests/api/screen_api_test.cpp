@@ -93,7 +93,6 @@ TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
   EXPECT_EQ(std::memcmp(&ngCoverage, counted, sizeof counted), 0);
   EXPECT_GT(ngCoverage.all, 0.0f);
   EXPECT_LT(ngCoverage.all, 1.0f);
-  EXPECT_EQ(Results(viaMeters_).ngLimit, ngCoverage.all - 0.25f);
 
   // The judgement of the same screen, with and without the coverage output.
   bool ngMeters = true;
@@ -105,6 +104,7 @@ TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
   EXPECT_EQ(ngScreen, ngMeters);
   EXPECT_TRUE(SameBits(judged, ngCoverage));
   ASSERT_EQ(AimhueJudgeNGScreen(viaScreen_, screen_, &ngScreen, nullptr), kOk);
+  EXPECT_EQ(Results(viaMeters_).ngLimit, ngCoverage.all - 0.25f);  // judging keeps the limit
 
   // The NG rules on a coverage counted once give the limit and verdict of
   // the functions that count for themselves, and refuse a NaN.
@@ -115,6 +115,13 @@ TEST_F(ScreenApi, ResultsAreBitIdenticalToTheMeterTripleFunctions) {
   ASSERT_EQ(AimhueSetNGLimitFromCoverage(reused, &ngCoverage), kOk);
   ASSERT_EQ(AimhueJudgeCoverage(reused, &ngCoverage, &ngReused), kOk);
   EXPECT_TRUE(SameBits(Results(reused).ngLimit, Results(viaMeters_).ngLimit) && ngReused == ngMeters);
+  // Only a coverage of all below the limit fails.
+  const float limit = Results(reused).ngLimit;
+  const Coverage atLimit{1, 1, 1, limit}, below{1, 1, 1, std::nextafter(limit, 0.0f)};
+  bool atNg = true;
+  bool belowNg = false;
+  ASSERT_EQ(AimhueJudgeCoverage(reused, &atLimit, &atNg) + AimhueJudgeCoverage(reused, &below, &belowNg), kOk);
+  EXPECT_TRUE(!atNg && belowNg);
   const Coverage noLeds{NAN, NAN, NAN, NAN};
   LogCapture log;
   EXPECT_EQ(AimhueSetNGLimitFromCoverage(reused, &noLeds) + AimhueJudgeCoverage(reused, &noLeds, &ngReused),
@@ -257,6 +264,13 @@ TEST_F(ScreenApi, MismatchedPrimariesPlanesAndMasksAreRefused) {
   const synthetic::ScreenMeters other = synthetic::GenerateMeters(SmallScreen(8, 8, 1, 8, 8));
   const LedMeter* smallRed[3] = {&other[0][0], &other[0][1], &other[0][2]};
   EXPECT_EQ(AimhueScreenSetPrimary(screen_, kRed, smallRed), kOutOfRange);
+  // Meter triples of two sizes cannot be searched or counted: the handle
+  // keeps its results and the screen fails.
+  bool ng = false;
+  EXPECT_EQ(AimhueSearch(viaMeters_, smallRed, triples_[1], triples_[2], 3), kOutOfRange);
+  EXPECT_EQ(AimhueCalcPercentNG(viaMeters_, smallRed, triples_[1], triples_[2], 3), kOutOfRange);
+  EXPECT_EQ(AimhueJudgeNG(viaMeters_, &ng, smallRed, triples_[1], triples_[2], 3), kOk);
+  EXPECT_TRUE(ng);
   EXPECT_EQ(log.Errors(), (Lines{"AimhueScreenSetPrimary--Error :: colour 3 is not a primary",
                                  "AimhueScreenSetPrimary--Error :: meters of colour 1 given as colour 2",
                                  "AimhueGetScreenPlanes--Error :: colour 5 is not a primary",

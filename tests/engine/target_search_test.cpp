@@ -3,7 +3,6 @@
 #include "engine/subsample.h"
 #include "support/chroma_sets.h"
 #include "support/literal_search_stages.h"
-#include "support/log_capture.h"
 
 namespace aimhue {
 namespace {
@@ -20,24 +19,6 @@ Coverage KeptCoverage(const Aimhue& handle, const synthetic::ScreenChroma& sets,
                             OutlierMask(handle, red, green, blue, means)),
             kOk);
   return coverage;
-}
-
-// The sets are checked by the shared coverage-input check (tabled with the
-// coverage count); a refused search logs its name and leaves the record.
-TEST(TargetSearch, RefusedSetsLeaveTheRecord) {
-  const synthetic::ScreenChroma sets = testing::SyntheticSets(testing::SmallScreen(6, 8, 42));
-  Aimhue handle;
-  for (TargetBlock* block : {&handle.target, &handle.searchEnd, &handle.searchStart})
-    block->fill({-3, -3, -3});
-  const Aimhue before = handle;
-  testing::LogCapture log;
-  EXPECT_EQ(handle.Search(&sets[0], nullptr, &sets[2]), kNullInput);
-  ChromaLxy wide = sets[2];
-  wide.L = cv::Mat(6, 9, CV_32FC1, cv::Scalar(1.0f));
-  EXPECT_EQ(handle.Search(&sets[0], &sets[1], &wide), kOutOfRange);
-  EXPECT_TRUE(SameBits(before, handle));
-  EXPECT_EQ(log.Infos(), std::vector<std::string>(2, "Aimhue::Search"));
-  EXPECT_TRUE(log.Errors().empty());
 }
 
 // Whole screens, one subsampled (100250 LEDs: step 2): with percentEnd 1 the
@@ -73,20 +54,6 @@ TEST(TargetSearch, ReachesTheRequiredShareOfTheKeptLedsDeterministically) {
     ASSERT_EQ(handle.Search(&sets[0], &sets[1], &sets[2]), kOk);
     EXPECT_TRUE(SameBits(first, handle));
   }
-}
-
-TEST(TargetSearch, ADeadLedMakesTheMeansNanWithoutHarm) {
-  synthetic::ScreenOptions options = testing::SmallScreen(20, 30, 42);
-  options.deadCount = 1;
-  const synthetic::ScreenChroma sets = testing::SyntheticSets(options);
-  Aimhue handle;
-  ASSERT_EQ(handle.Search(&sets[0], &sets[1], &sets[2]), kOk);
-  for (int p = 0; p < 3; ++p)
-    EXPECT_TRUE(std::isnan(handle.searchStart[p].x) && std::isnan(handle.searchStart[p].y)) << p;
-  // Below the corners' coverage the line through the NaN mean has no slope.
-  handle.percentEnd = {0.9f, 0.9f, 0.9f, 0.9f};
-  ASSERT_EQ(handle.Search(&sets[0], &sets[1], &sets[2]), kOk);
-  for (int p = 0; p < 3; ++p) EXPECT_TRUE(std::isnan(handle.target[p].y)) << p;
 }
 
 // The search against its stages in their plain forms (the fences by a full

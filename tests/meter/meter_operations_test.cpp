@@ -135,28 +135,13 @@ TEST(MeterAlign, DiscToTheScreenEdgeOrWholePlane) {
               {[](LedMeter& m) { return m.FixDeadPoint(); }, kEmptyInput, {empty_line}}});
 }
 
-// Dead LEDs (state bit 0) take the median of their 3 x 3 neighbourhood; the
-// repair itself is compared with a whole-plane median filter bit for bit
-// in the dead-LED repair tests.
-TEST(MeterFixDeadPoint, DeadLedsTakeTheMedianOthersStay) {
-  LedMeter meter;
-  meter.chroma = (cv::Mat_<float>(3, 3) << 1, 2, 3, 4, 100, 6, 7, 8, 9);
-  meter.state = (cv::Mat_<uint8_t>(3, 3) << 0, 0, 0, 0, 1, 0, 0, 0, 2);
-  ASSERT_EQ(meter.FixDeadPoint(), kOk);
-  const cv::Mat repaired = (cv::Mat_<float>(3, 3) << 1, 2, 3, 4, 6, 6, 7, 8, 9);
-  EXPECT_TRUE(SameImage(meter.chroma, repaired));
-}
-
 TEST(MeterExport, GreyChromaAndPointPictures) {
   TempDir dir;
-  const auto picture = [&](const std::string& name) {
-    return cv::imread(dir.Path(name), cv::IMREAD_UNCHANGED);
-  };
   LedMeter meter;
   meter.chroma = (cv::Mat_<float>(2, 2) << 1, 2, 4, -8);
   meter.SetPartition(Partition{1, 1, 2, 2, 4, 3});
   ASSERT_EQ(meter.ExportGrayChroma(dir.Path("screen.png"), 3.0, {cv::Point(0, 0)}, true), kOk);
-  const cv::Mat screen = picture("screen.png");
+  const cv::Mat screen = cv::imread(dir.Path("screen.png"), cv::IMREAD_UNCHANGED);
   EXPECT_EQ(screen.size(), cv::Size(12, 9));
   EXPECT_EQ(screen.at<uint8_t>(0, 0), 0);
   EXPECT_EQ(screen.at<uint8_t>(8, 5), 128);  // LED (row 1, column 0) of the region

@@ -19,8 +19,13 @@ def planes(screen):
     return tuple(np.stack([m.values for m in triple], axis=-1) for triple in screen)
 
 
+# The same calibration by the command-line tool (dead LEDs kept, as here).
+TOOL_CALIBRATE = ("calibrate", "--percent-end", "0.99,0.99,0.99,0.98", "--fraction", "1,1,1,1",
+                  "--white", "0.3127,0.329", "--keep-dead")
+
+
 def calibrate(engine, red, green, blue):
-    """The calling order of a calibration, with the settings of c_reference_engine."""
+    """The calling order of a calibration, with the settings of TOOL_CALIBRATE."""
     engine.percent_end = (0.99, 0.99, 0.99, 0.98)
     engine.search(red, green, blue)
     engine.fractions = (1, 1, 1, 1)

@@ -7,18 +7,25 @@ import numpy as np
 import pytest
 
 import aimhue
-from conftest import calibrate
+from conftest import TOOL_CALIBRATE, calibrate
 
 AXES = ("X", "Y", "Z")
 PRIMARIES = ("red", "green", "blue")
 
 
+@pytest.mark.skipif(not os.environ.get("AIMHUE_TOOL"), reason="the tool is not built")
 def test_results_are_bit_identical_to_the_c_interface(screen, planes, tmp_path):
+    """The tool, a host of the C interface, calibrates the same meter files."""
+    files = []
     for primary, triple in zip(PRIMARIES, screen):
+        files.append(f"--{primary}")
         for axis, meter in zip(AXES, triple):
-            meter.save(str(tmp_path / f"{primary}_{axis}.meter"))
-    reference = subprocess.run([os.environ["AIMHUE_C_REFERENCE"], str(tmp_path)],
-                               check=True, capture_output=True).stdout
+            files.append(str(tmp_path / f"{primary}_{axis}.meter"))
+            meter.save(files[-1])
+    result = tmp_path / "screen.aimhue"
+    subprocess.run([os.environ["AIMHUE_TOOL"], *TOOL_CALIBRATE, *files, "-o", str(result)],
+                   check=True, capture_output=True)
+    reference = result.read_bytes()
     assert len(reference) == 169
     # Meters, interleaved planes and tuples of planes are three routes to
     # the same meter triples.

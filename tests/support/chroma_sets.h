@@ -14,6 +14,7 @@
 #include <limits>
 #include <random>
 #include <tuple>
+#include <vector>
 
 #include "engine/percent_of_target.h"
 #include "meter/chroma_lxy.h"
@@ -92,28 +93,44 @@ inline bool LiteralInGamut(Chromaticity p0, Chromaticity p1, Chromaticity p2, Ch
   return u >= 0.0 && u <= 1.0 && v >= 0.0 && v <= 1.0 && u + v <= 1.0;
 }
 
+// Per LED in row order, the colour bits of the targets that the literal test
+// finds outside its triangle; 0 where the mask leaves the LED out.
+inline std::vector<uint8_t> LiteralMisses(const ChromaLxy& red, const ChromaLxy& green, const ChromaLxy& blue,
+                                          const float* t, const cv::Mat& mask) {
+  std::vector<uint8_t> misses;
+  for (int i = 0; i < red.L.rows; ++i) {
+    for (int j = 0; j < red.L.cols; ++j) {
+      const auto at = [i, j](const ChromaLxy& s) {
+        return Chromaticity{s.x.at<float>(i, j), s.y.at<float>(i, j)};
+      };
+      uint8_t missed = 0;
+      for (int p = 0; p < kPrimaryCount && (mask.empty() || mask.at<uint8_t>(i, j) != 0); ++p) {
+        if (!LiteralInGamut(at(red), at(green), at(blue), {t[3 * p + 1], t[3 * p + 2]})) {
+          missed |= ColourOfPrimary(p);
+        }
+      }
+      misses.push_back(missed);
+    }
+  }
+  return misses;
+}
+
 // The coverage count as worded, on valid inputs: N less one per masked LED,
 // 32-bit counters, each quotient in 64-bit stored as 32-bit.
 inline Coverage LiteralCoverage(const ChromaLxy& red, const ChromaLxy& green, const ChromaLxy& blue,
                                 const float* t, const cv::Mat& mask) {
-  int64_t total = static_cast<int64_t>(red.L.total());
+  const std::vector<uint8_t> misses = LiteralMisses(red, green, blue, t, mask);
+  int64_t total = static_cast<int64_t>(misses.size());
   int32_t in[4] = {0, 0, 0, 0};
+  auto missed = misses.begin();
   for (int i = 0; i < red.L.rows; ++i) {
-    for (int j = 0; j < red.L.cols; ++j) {
+    for (int j = 0; j < red.L.cols; ++j, ++missed) {
       if (!mask.empty() && mask.at<uint8_t>(i, j) == 0) {
         --total;
         continue;
       }
-      const auto at = [i, j](const ChromaLxy& s) {
-        return Chromaticity{s.x.at<float>(i, j), s.y.at<float>(i, j)};
-      };
-      bool all = true;
-      for (int p = 0; p < 3; ++p) {
-        const bool reach = LiteralInGamut(at(red), at(green), at(blue), {t[3 * p + 1], t[3 * p + 2]});
-        in[p] += reach;
-        all = all && reach;
-      }
-      in[3] += all;
+      for (int p = 0; p < kPrimaryCount; ++p) in[p] += (*missed & ColourOfPrimary(p)) == 0;
+      in[3] += *missed == 0;
     }
   }
   const auto share = [total](int32_t n) {

@@ -120,6 +120,7 @@ PY
 expect 3 "$aimhue" demo --size 32x24 --keep-dead --out kept
 contains out.txt "kept as measured"
 contains err.txt "not finite"
+if grep -qF implausible err.txt; then fail "dead LEDs were counted as implausible"; fi
 [ -z "$(ls -A kept)" ] || fail "a refused demo wrote $(ls -A kept)"
 
 # --- simulate -> calibrate -> judge -> coverage -> inspect -------------------
@@ -134,6 +135,31 @@ expect 0 "$aimhue" calibrate $(meters meters) -o screen.aimhue --json calibrate.
   --plot plot.png --white 0.30,0.32 --fraction 0.8,0.8,0.8,1 --percent-end 0.99,0.99,0.99,1
 contains out.txt "pass"
 [ -s screen.aimhue ] && [ -s calibrate.json ] && [ -s plot.png ] || fail "calibrate outputs"
+if grep -qF implausible err.txt; then fail "a simulated screen was called implausible"; fi
+# Implausible measured values are counted and reported per primary: red LED 0
+# reads X = Y = Z = 3e38 (their sum overflows), red LED 1 a negative Y; the
+# search then gives targets that are not finite.
+cp -r meters odd-meters
+"$python" - odd-meters <<'PY' || fail "patching the meters"
+import struct, sys
+for axis, values in (("X", (3e38, 1)), ("Y", (3e38, -2)), ("Z", (3e38, 1))):
+    name = f"{sys.argv[1]}/red_{axis}.meter"
+    data = bytearray(open(name, "rb").read())
+    at = 13  # after the header: state, positions, values as (rows, cols, type, channels, samples)
+    for plane in ("state", "positions", "values"):
+        rows, cols, kind, channels = struct.unpack_from("<4i", data, at)
+        at += 16
+        if plane != "values":
+            at += rows * cols * channels * (1, 1, 2, 2, 4, 4, 8, 2)[kind % 8]
+    assert (rows, cols, kind, channels) == (32, 48, 5, 1), "value plane header"
+    struct.pack_into("<2f", data, at, *values)
+    open(name, "wb").write(data)
+PY
+# shellcheck disable=SC2046
+expect 3 "$aimhue" calibrate $(meters odd-meters) -o odd.aimhue
+contains err.txt "aimhue: warning: red: implausible measured values in 1 of 1536 LEDs (luminance Y \
+not a positive number) and 2 of 1536 LEDs (chromaticity outside the spectral locus); check the meter files"
+if grep -qE "warning: (green|blue)" err.txt; then fail "green or blue called implausible"; fi
 # shellcheck disable=SC2046
 expect 0 "$aimhue" judge screen.aimhue $(meters meters) --json judge.json
 contains out.txt "pass"
