@@ -8,41 +8,20 @@
 
 #include <atomic>
 #include <fstream>
-#include <iterator>
-#include <limits>
 #include <thread>
 
 #include "capture/matrix_block.h"
 #include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
+#include "support/test_meters.h"
 
 namespace aimhue::testing {
 namespace {
 
-
-// A meter whose planes are larger than the reader's window and staging runs,
-// so that loading takes the direct, windowed and interleaving paths, with
-// every record and chroma values that must survive bit for bit.
-LedMeter LargeMeter() {
-  LedMeter meter;
-  meter.color = 2;
-  meter.type = CIE_Y;
-  meter.state.create(211, 307, CV_8UC1);
-  meter.pos.create(211, 307, CV_32FC2);
-  meter.chroma.create(211, 307, CV_32FC1);
-  cv::randu(meter.state, 0, 4);
-  cv::randu(meter.pos, -1e4, 1e4);
-  cv::randu(meter.chroma, 0.0, 1e3);
-  const float specials[] = {std::numeric_limits<float>::quiet_NaN(), -0.0f,
-                            std::numeric_limits<float>::denorm_min()};
-  std::copy(std::begin(specials), std::end(specials), meter.chroma.ptr<float>(210) + 300);
-  meter.SetPartition(Partition{0, 0, 307, 211, 307, 211});
-  meter.SetLedPanel(LedPanel{1, 2, 3, 16, 8, 2.5f});
-  meter.SetLayer(Layer{-1, 0.75f, 64});
-  meter.SetCapture(Capture{1, 2, 3, 4, 5});
-  return meter;
-}
+// Planes larger than the reader's window and staging runs, so that loading
+// takes the direct, windowed and interleaving paths.
+LedMeter LargeMeter() { return MeterWithEveryRecord(211, 307); }
 
 std::string BlockBytes(const cv::Mat& mat) {
   std::string bytes;

@@ -2,13 +2,11 @@
 #include <aimhue/status.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
-
 #include "capture/byte_stream.h"
 #include "support/file_rules.h"
 #include "support/log_capture.h"
 #include "support/temp_dir.h"
+#include "support/test_meters.h"
 
 namespace aimhue::testing {
 namespace {
@@ -20,22 +18,6 @@ LedMeter LayerOnlyMeter() {
   meter.type = CIE_Y;
   meter.chroma = (cv::Mat_<float>(2, 3) << 1, 2, 3, 4, 5, 6);
   meter.SetLayer(Layer{7, 0.5f, 128});
-  return meter;
-}
-
-LedMeter FullMeter() {
-  LedMeter meter;
-  meter.color = 4;
-  meter.type = CIE_Z;
-  meter.state = (cv::Mat_<uchar>(2, 2) << 0, 1, 2, 255);
-  meter.pos = cv::Mat(2, 2, CV_32FC2);
-  cv::randu(meter.pos, -100.0, 100.0);
-  meter.chroma = (cv::Mat_<float>(2, 2) << std::numeric_limits<float>::quiet_NaN(), -0.0f,
-                  std::numeric_limits<float>::denorm_min(), 3.25f);
-  meter.SetPartition(Partition{1, 2, 3, 4, 10, 20});
-  meter.SetLedPanel(LedPanel{1, 2, 3, 16, 8, 2.5f});
-  meter.SetLayer(Layer{-1, 0.75f, 64});
-  meter.SetCapture(Capture{100, 2, 8, -3, 5});
   return meter;
 }
 
@@ -83,7 +65,7 @@ TEST(MeterFile, RecordsInAnyOrderUnknownTagsAndKeptRecords) {
 // Refused contents (and a chroma plane of 8-bit samples, which is not a
 // meter's chroma) leave the meter exactly as it was; the shared rules.
 TEST(MeterFile, RefusedContentsNamesAndBuffers) {
-  LedMeter meter = FullMeter();
+  LedMeter meter = MeterWithEveryRecord(2, 2);
   ExpectDamagedContentRules(meter, Content(meter), "LedMeter", ".meter", Content<LedMeter>);
   const std::string byteChroma = "L" + Words({1, 1, CIE_X, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, CV_8UC1, 1}) +
                                  "\x01" + Words({0xFFFFFFFFu});

@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <iterator>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -30,6 +32,29 @@ inline LedMeter MakeMeter(uint32_t type, uint32_t color, int rows = 2, int cols 
   meter.chroma = cv::Mat(rows, cols, CV_32FC1, cv::Scalar(value));
   meter.pos = cv::Mat::zeros(rows, cols, CV_32FC2);
   meter.state = cv::Mat::zeros(rows, cols, CV_8UC1);
+  return meter;
+}
+
+// A meter of rows x cols LEDs (at least 3) with every record, random state,
+// positions and values, and a NaN, a -0 and a denormal as its last three
+// values: all of it must survive a round trip bit for bit.
+inline LedMeter MeterWithEveryRecord(int rows, int cols) {
+  LedMeter meter;
+  meter.color = 2;
+  meter.type = CIE_Y;
+  meter.state.create(rows, cols, CV_8UC1);
+  meter.pos.create(rows, cols, CV_32FC2);
+  meter.chroma.create(rows, cols, CV_32FC1);
+  cv::randu(meter.state, 0, 256);
+  cv::randu(meter.pos, -1e4, 1e4);
+  cv::randu(meter.chroma, 0.0, 1e3);
+  const float specials[] = {std::numeric_limits<float>::quiet_NaN(), -0.0f,
+                            std::numeric_limits<float>::denorm_min()};
+  std::copy(std::begin(specials), std::end(specials), meter.chroma.ptr<float>() + rows * cols - 3);
+  meter.SetPartition(Partition{0, 0, cols, rows, cols, rows});
+  meter.SetLedPanel(LedPanel{1, 2, 3, 16, 8, 2.5f});
+  meter.SetLayer(Layer{-1, 0.75f, 64});
+  meter.SetCapture(Capture{100, 2, 8, -3, 5});
   return meter;
 }
 
